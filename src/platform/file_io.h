@@ -1,0 +1,53 @@
+// The one wrapper over the operating system's handle-based file functions (open, creat, read,
+// write, lseek, tell, file length, access, unlink, close). A File owns its descriptor.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+
+namespace tarvex {
+
+class File {
+ public:
+  File() = default;
+  ~File();
+  File(File&& other) noexcept;
+  File& operator=(File&& other) noexcept;
+  File(const File&) = delete;
+  File& operator=(const File&) = delete;
+
+  // Opens an existing regular file read-only (binary). A directory or an unreadable file
+  // gives a closed File.
+  static File OpenRead(const std::string& path);
+  // Opens an existing file for reading and writing (binary).
+  static File OpenReadWrite(const std::string& path);
+  // Opens an existing file write-only (binary), keeping its contents.
+  static File OpenWrite(const std::string& path);
+  // Creates the file or truncates an existing one, with owner read/write permission (0644).
+  static File Create(const std::string& path);
+
+  bool is_open() const { return fd_ >= 0; }
+  // Reads up to n bytes, retrying short reads until n or the end of the file.
+  // Returns the number of bytes read (0 at the end or on error).
+  std::size_t Read(void* buf, std::size_t n);
+  // Writes n bytes; returns the number written.
+  std::size_t Write(const void* buf, std::size_t n);
+  // Moves to an absolute position; returns the new position or -1.
+  std::int64_t Seek(std::int64_t pos);
+  std::int64_t Tell() const;
+  // Length of the file in bytes (-1 when closed).
+  std::int64_t Length() const;
+  void Close();
+
+  // access(): does a file of that name exist?
+  static bool Exists(const std::string& path);
+  static bool IsDirectory(const std::string& path);
+  static bool Unlink(const std::string& path);
+
+ private:
+  explicit File(int fd) : fd_(fd) {}
+  int fd_ = -1;
+};
+
+}  // namespace tarvex

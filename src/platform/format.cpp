@@ -1,0 +1,201 @@
+#include "platform/format.h"
+
+#include <cstdio>
+#include <vector>
+
+namespace tarvex {
+
+std::int64_t FmtArg::as_int() const {
+  switch (kind_) {
+    case Kind::kInt:
+      return int_;
+    case Kind::kDouble:
+      return static_cast<std::int64_t>(dbl_);
+    case Kind::kStr:
+      return 0;
+  }
+  return 0;
+}
+
+double FmtArg::as_double() const {
+  switch (kind_) {
+    case Kind::kInt:
+      return static_cast<double>(int_);
+    case Kind::kDouble:
+      return dbl_;
+    case Kind::kStr:
+      return 0.0;
+  }
+  return 0.0;
+}
+
+namespace {
+
+// Hands out the arguments in order; past the end it yields an empty argument.
+class ArgCursor {
+ public:
+  ArgCursor(const FmtArg* begin, const FmtArg* end) : it_(begin), end_(end) {}
+  const FmtArg& next() { return it_ != end_ ? *it_++ : kNone; }
+
+ private:
+  static inline const FmtArg kNone{std::string_view()};
+  const FmtArg* it_;
+  const FmtArg* end_;
+};
+
+struct Spec {
+  std::string flags;
+  int width = -1;
+  int precision = -1;
+  int int_bits = 32;
+  char conv = 0;
+};
+
+// Reads flags, width, precision and length of one conversion starting after '%'.
+std::size_t ParseSpec(std::string_view f, std::size_t i, ArgCursor& args, Spec& spec) {
+  while (i < f.size() && std::string_view("-+ #0").find(f[i]) != std::string_view::npos) {
+    spec.flags += f[i++];
+  }
+  auto read_number = [&](int& out) {
+    if (i < f.size() && f[i] == '*') {
+      out = static_cast<int>(static_cast<std::int32_t>(args.next().as_int()));
+      ++i;
+      return;
+    }
+    if (i < f.size() && f[i] >= '0' && f[i] <= '9') {
+      out = 0;
+      while (i < f.size() && f[i] >= '0' && f[i] <= '9') {
+        out = out < 100000 ? out * 10 + (f[i] - '0') : out;
+        ++i;
+      }
+    }
+  };
+  read_number(spec.width);
+  if (i < f.size() && f[i] == '.') {
+    ++i;
+    spec.precision = 0;
+    read_number(spec.precision);
+  }
+  if (spec.width < 0 && spec.width != -1) {  // a negative '*' width means left-justify
+    spec.flags += '-';
+    spec.width = -spec.width;
+  }
+  while (i < f.size() && std::string_view("hlLqjzt").find(f[i]) != std::string_view::npos) {
+    if (f[i] == 'h') spec.int_bits = spec.int_bits == 16 ? 8 : 16;
+    ++i;
+  }
+  spec.conv = i < f.size() ? f[i++] : 0;
+  return i;
+}
+
+std::string SpecPrefix(const Spec& spec) {
+  std::string p = "%" + spec.flags;
+  if (spec.width >= 0) p += std::to_string(spec.width);
+  if (spec.precision >= 0) p += "." + std::to_string(spec.precision);
+  return p;
+}
+
+template <typename T>
+void AppendPrintf(std::string& out, const std::string& fmt, T value) {
+  char small[128];
+  int n = std::snprintf(small, sizeof small, fmt.c_str(), value);
+  if (n < 0) return;
+  if (static_cast<std::size_t>(n) < sizeof small) {
+    out.append(small, static_cast<std::size_t>(n));
+    return;
+  }
+  std::vector<char> big(static_cast<std::size_t>(n) + 1);
+  std::snprintf(big.data(), big.size(), fmt.c_str(), value);
+  out.append(big.data(), static_cast<std::size_t>(n));
+}
+
+void AppendInteger(std::string& out, const Spec& spec, const FmtArg& arg) {
+  std::uint32_t low = static_cast<std::uint32_t>(arg.as_int());
+  if (spec.int_bits == 16) low &= 0xFFFF;
+  if (spec.int_bits == 8) low &= 0xFF;
+  std::string fmt = SpecPrefix(spec) + spec.conv;
+  if (spec.conv == 'd' || spec.conv == 'i') {
+    std::int32_t v = static_cast<std::int32_t>(low);
+    if (spec.int_bits == 16) v = static_cast<std::int16_t>(low);
+    if (spec.int_bits == 8) v = static_cast<std::int8_t>(low);
+    AppendPrintf(out, fmt, static_cast<int>(v));
+  } else {
+    AppendPrintf(out, fmt, static_cast<unsigned>(low));
+  }
+}
+
+void AppendString(std::string& out, const Spec& spec, const FmtArg& arg) {
+  std::string_view s = arg.as_str();
+  std::size_t zero = s.find('\0');
+  std::string text(zero == std::string_view::npos ? s : s.substr(0, zero));
+  AppendPrintf(out, SpecPrefix(spec) + "s", text.c_str());
+}
+
+void AppendConversion(std::string& out, const Spec& spec, ArgCursor& args) {
+  switch (spec.conv) {
+    case 'd':
+    case 'i':
+    case 'u':
+    case 'x':
+    case 'X':
+    case 'o':
+      AppendInteger(out, spec, args.next());
+      return;
+    case 'c': {
+      // One byte, padded like "%c"; a zero byte is kept and ends the line later.
+      std::string one(1, static_cast<char>(args.next().as_int() & 0xFF));
+      Spec s = spec;
+      s.precision = -1;
+      std::string padded = SpecPrefix(s) + "s";
+      std::string tmp;
+      AppendPrintf(tmp, padded, "\x01");
+      tmp[tmp.find('\x01')] = one[0];
+      out += tmp;
+      return;
+    }
+    case 's':
+      AppendString(out, spec, args.next());
+      return;
+    case 'f':
+    case 'F':
+    case 'e':
+    case 'E':
+    case 'g':
+    case 'G':
+      AppendPrintf(out, SpecPrefix(spec) + spec.conv, args.next().as_double());
+      return;
+    case '%':
+      out += '%';
+      return;
+    default:
+      return;  // an unknown conversion prints nothing and takes no argument
+  }
+}
+
+}  // namespace
+
+void AppendFormat(std::string& line, std::string_view format, std::initializer_list<FmtArg> args) {
+  ArgCursor cursor(args.begin(), args.end());
+  std::size_t i = 0;
+  while (i < format.size()) {
+    std::size_t pct = format.find('%', i);
+    if (pct == std::string_view::npos) {
+      line.append(format.substr(i));
+      break;
+    }
+    line.append(format.substr(i, pct - i));
+    Spec spec;
+    i = ParseSpec(format, pct + 1, cursor, spec);
+    AppendConversion(line, spec, cursor);
+  }
+  std::size_t zero = line.find('\0');
+  if (zero != std::string::npos) line.resize(zero);
+}
+
+std::string Format(std::string_view format, std::initializer_list<FmtArg> args) {
+  std::string line;
+  AppendFormat(line, format, args);
+  return line;
+}
+
+}  // namespace tarvex

@@ -1,0 +1,7 @@
+#include "stream/details.h"
+
+namespace tarvex {
+
+void ShowRecordDetails(AppContext&) {}
+
+}  // namespace tarvex

@@ -1,0 +1,45 @@
+#include "stream/hex_view.h"
+
+#include <array>
+#include <cctype>
+
+#include "platform/format.h"
+
+namespace tarvex {
+
+std::int64_t record_file_offset(const AppContext& ctx, std::uint32_t record) {
+  return ctx.open.file_type == kFileVob ? static_cast<std::int64_t>(record) << 11 : 0;
+}
+
+void ShowRecordHex(AppContext& ctx, bool append) {
+  std::array<std::uint8_t, RECORD_SIZE> buf{};
+  std::uint32_t record = ctx.open.page_end;
+  std::int64_t address = record_file_offset(ctx, record);
+  ctx.open.file_handle.Seek(address);
+  ctx.open.file_handle.Read(buf.data(), buf.size());
+  if (!append) ctx.ClearReportList();
+  ctx.AddReportLine(Format("Hex display of record %ld at file address %ld", {record, address}));
+  ctx.AddReportLine(" ");
+  for (std::uint32_t row = 0; row < RECORD_SIZE / 16; ++row) {
+    std::string line = Format("%04d -> ", {row * 16});
+    for (std::uint32_t i = 0; i < 16; ++i) AppendFormat(line, "%02x ", {buf[row * 16 + i]});
+    for (char& c : line) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    ctx.AddReportLine(line);
+  }
+}
+
+void ShowErrorDump(AppContext& ctx, std::string_view first_line, std::int64_t position_after_read,
+                   std::int32_t sector_type) {
+  std::int64_t offset = position_after_read - RECORD_SIZE;
+  std::int32_t offset32 = static_cast<std::int32_t>(offset);
+  std::int32_t sector = offset32 / static_cast<std::int32_t>(RECORD_SIZE);
+  ctx.AddReportLine(first_line);
+  ctx.AddReportLine(Format("Error at: offset %d sector number %d", {offset32, sector}));
+  ctx.AddReportLine(
+      Format("Sector type found by get_sector_type: %02x %d", {sector_type, sector_type}));
+  ctx.AddReportLine("Sector data:");
+  ctx.open.page_end = static_cast<std::uint32_t>(sector);
+  ShowRecordHex(ctx, true);
+}
+
+}  // namespace tarvex

@@ -1,0 +1,24 @@
+// Listing a page of records, paging with the scroll bar, and record selection for the hex view.
+#pragma once
+
+#include <cstdint>
+
+#include "app/context.h"
+
+namespace tarvex {
+
+// Clears the list and lists records first .. end-1 (for an IFO: the IFO report).
+void list_page(AppContext& ctx, std::uint32_t first, std::uint32_t end);
+
+// Scroll bar events, as the window sends them.
+void ScrollLineDown(AppContext& ctx, std::int32_t current_position);
+void ScrollLineUp(AppContext& ctx, std::int32_t current_position);
+void ScrollPageDown(AppContext& ctx, std::int32_t current_position);
+void ScrollPageUp(AppContext& ctx, std::int32_t current_position);
+void ScrollThumbReleased(AppContext& ctx, std::int32_t position);
+void ScrollEnded(AppContext& ctx);
+
+// The HEX command: toggles between the page and the hex view of the selected record.
+void SelectRecordForHex(AppContext& ctx);
+
+}  // namespace tarvex
