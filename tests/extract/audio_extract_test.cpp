@@ -47,9 +47,9 @@ struct AudioRun {
 };
 
 Bytes WavHeader48kStereo16(std::uint32_t n) {
-  Bytes h = {'R', 'I', 'F', 'F', 0, 0, 0, 0, 'W', 'A', 'V', 'E', 'f', 'm', 't', ' ',
-             16,  0,   0,   0,   1, 0, 2, 0, 0x80, 0xBB, 0, 0, 0x70, 0x17, 0, 0,
-             4,   0,   16,  0,   'd', 'a', 't', 'a', 0, 0, 0, 0};
+  Bytes h = {'R', 'I', 'F', 'F', 0,  0, 0,   0,   'W', 'A',  'V',  'E', 'f', 'm',  't',
+             ' ', 16,  0,   0,   0,  1, 0,   2,   0,   0x80, 0xBB, 0,   0,   0x70, 0x17,
+             0,   0,   4,   0,   16, 0, 'd', 'a', 't', 'a',  0,    0,   0,   0};
   std::uint32_t riff = n - 8, data = n - 36;
   for (int i = 0; i < 4; ++i) {
     h[4 + i] = static_cast<std::uint8_t>(riff >> (8 * i));

@@ -13,7 +13,7 @@ TEST(LocateAudioPayload, Ac3PayloadFollowsSubStreamHeaderBehindPts) {
   Record r = Ac3Pack(0x82, 1);
   AudioPayload p;
   LocateAudioPayload(r, p);
-  EXPECT_EQ(p.start, 32u);               // 28 + sub_stream_id, frame count, 2-byte pointer
+  EXPECT_EQ(p.start, 32u);              // 28 + sub_stream_id, frame count, 2-byte pointer
   EXPECT_EQ(p.length, 20 + 2028 - 32);  // to the end of the packet
   EXPECT_EQ(p.stream, 2u);
 }
@@ -191,7 +191,7 @@ TEST(PayloadLocators, AllFFRecordStaysInsideTheRecord) {
   EXPECT_EQ(s.start, 2049u);
   EXPECT_EQ(PayloadBytes(r.size(), s.start, s.length).size, 0u);
   VideoPayload v = LocateVideoPayload(r);
-  EXPECT_EQ(PayloadBytes(r.size(), v.start, v.length).offset + 
+  EXPECT_EQ(PayloadBytes(r.size(), v.start, v.length).offset +
                 PayloadBytes(r.size(), v.start, v.length).size,
             2048u);
 }
