@@ -266,6 +266,80 @@ TEST_F(CliTest, EmptyVobOpensWithoutMessage) {
   EXPECT_EQ(r.err, "");
 }
 
+// --- list ----------------------------------------------------------------------------------
+
+// Records whose first four bytes are 00 00 01 (0xE0 + r), so each listed line names its record.
+std::vector<std::uint8_t> NumberedRecords(std::size_t records) {
+  std::vector<std::uint8_t> bytes(records * 2048, 0);
+  for (std::size_t r = 0; r < records; ++r) {
+    bytes[r * 2048 + 2] = 0x01;
+    bytes[r * 2048 + 3] = static_cast<std::uint8_t>(0xE0 + r);
+  }
+  return bytes;
+}
+
+TEST_F(CliTest, OpenPrintsTheFirstPage) {
+  Make("four.vob", NumberedRecords(4));
+  CliResult r = Run({"open", "four.vob"});
+  EXPECT_EQ(r.status, 0);
+  // Four records and, as r <= record_count is listed, record 4 from the bytes record 3 left.
+  EXPECT_EQ(r.out,
+            "000000Illegal pack_start_code 1e0\n"
+            "000001Illegal pack_start_code 1e1\n"
+            "000002Illegal pack_start_code 1e2\n"
+            "000003Illegal pack_start_code 1e3\n"
+            "000004Illegal pack_start_code 1e3\n");
+}
+
+TEST_F(CliTest, ListPrintsRecordsFirstToEndMinusOne) {
+  Make("ten.vob", NumberedRecords(10));
+  CliResult r = Run({"list", "ten.vob", "2", "5"});
+  EXPECT_EQ(r.status, 0);
+  EXPECT_EQ(r.err, "");
+  EXPECT_EQ(r.out,
+            "000002Illegal pack_start_code 1e2\n"
+            "000003Illegal pack_start_code 1e3\n"
+            "000004Illegal pack_start_code 1e4\n");
+}
+
+TEST_F(CliTest, ListWithFirstNotBelowEndPrintsNothing) {
+  Make("ten.vob", NumberedRecords(10));
+  CliResult r = Run({"list", "ten.vob", "5", "5"});
+  EXPECT_EQ(r.status, 0);
+  EXPECT_EQ(r.out, "");
+}
+
+TEST_F(CliTest, ListOfTruncatedVobStillRunsAfterTheLengthMessage) {
+  std::vector<std::uint8_t> bytes = NumberedRecords(1);
+  bytes.push_back(0x77);
+  std::string path = Make("short.vob", bytes);
+  CliResult r = Run({"list", path, "0", "16"});
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(r.err, "File format error!: Selected VOB file " + path + " has illegal length\n");
+  // record_count is 1; record 1 is the one byte read over the rest of record 0.
+  EXPECT_EQ(r.out,
+            "000000Illegal pack_start_code 1e0\n"
+            "000001Illegal pack_start_code 770001e0\n");
+}
+
+TEST_F(CliTest, ListOfUnknownTypeStillRuns) {
+  std::string path = Make("data.bin", NumberedRecords(3));
+  CliResult r = Run({"list", path, "0", "2"});
+  EXPECT_EQ(r.status, 1);
+  EXPECT_EQ(r.err, "File selection error!: This file type, " + path +
+                       ", is unknown or not currently supported\n");
+  // record_count is still 0 (set for VOB files only): record 0 is listed (r <= record_count).
+  EXPECT_EQ(r.out, "000000Illegal pack_start_code 1e0\n");
+}
+
+TEST_F(CliTest, OpenOfAnIfoShowsTheOverview) {
+  std::string ifo = std::string(TARVEX_SOURCE_DIR) + "/samples/disc/VIDEO_TS/VTS_01_0.IFO";
+  if (!std::filesystem::exists(ifo)) GTEST_SKIP() << "sample disc missing";
+  CliResult r = Run({"open", ifo});
+  ASSERT_FALSE(r.OutLines().empty());
+  EXPECT_EQ(r.OutLines()[0], "VTSI_MAT IFO File: Video Title Set Information Management Table");
+}
+
 // --- hex -----------------------------------------------------------------------------------
 
 TEST_F(CliTest, HexShowsTheRecordAtItsFileAddress) {
