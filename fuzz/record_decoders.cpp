@@ -1,7 +1,7 @@
 // Feeds arbitrary bytes to the program-stream record decoders: classification, the listing in
 // both modes, the hex view and the details of every record, and the paging commands.
 //
-// Input: one control byte, then the file's bytes (at most 16 records and a partial one).
+// Input: one control byte, then the file's bytes (at most 4 records and a partial one).
 // Control bits: 0 basic listing, 1 open as M2P instead of VOB, 2 stamp every record with a
 // navigation pack's pack, system header and PCI start code (so the PCI length and everything
 // after it come from the input).
@@ -23,7 +23,7 @@
 
 namespace {
 
-constexpr std::size_t kMaxInput = 16 * 2048 + 2047;
+constexpr std::size_t kMaxInput = 4 * 2048 + 2047;
 
 void StampNavigationPack(std::vector<std::uint8_t>& bytes) {
   static const std::uint8_t kHeader[] = {0x00, 0x00, 0x01, 0xBA, 0x44, 0x00, 0x04,
