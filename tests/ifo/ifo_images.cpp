@@ -76,8 +76,8 @@ std::vector<std::uint8_t> MakeVmgImage(const std::vector<std::uint8_t>& first_pl
   w.put_be32(132, first_play.empty() ? 0 : 1024);
   w.put_be32(192, 1);  // menu VOB at sector 1
   w.put_be16(256, 0x5010);
-  w.put_u8(259, 1);
-  w.put_be32(260, 0x00006162);
+  w.put_u8(259, 2);
+  w.put_be32(260, 0x61626364);
   w.put_u8(341, 1);
   w.put_u8(342, 0x11);
   if (!first_play.empty()) w.put_bytes(1024, ByteView(first_play));
