@@ -5,6 +5,7 @@
 #include "convert/drivers.h"
 #include "ifo/ifo_images.h"
 #include "ifo/pgc.h"
+#include "platform/bytes.h"
 #include "platform/format.h"
 #include "support/test_support.h"
 
@@ -127,7 +128,8 @@ TEST(VmgiMatReportTest, ProviderOfThirtyTwoCharactersRunsOnIntoThePosCode) {
   f.OpenBytes("VIDEO_TS.IFO", image, kFileIfo);
   OpenVideoManager(*f.ctx, f.ctx->open.file_handle);
   ReportVideoManager(*f.ctx);
-  EXPECT_EQ(f.lines()[7], "VMG Provider ID: " + std::string(32, 'P') + "\x01\x02\x03\x04\n\x0b\x0c\x0d");
+  EXPECT_EQ(f.lines()[7],
+            "VMG Provider ID: " + std::string(32, 'P') + "\x01\x02\x03\x04\n\x0b\x0c\x0d");
 }
 
 TEST(VmgiMatDisassembleTest, WritesSectionVmgiMatAndTheFirstPlayChain) {
@@ -168,7 +170,8 @@ struct Assembled {
   std::vector<std::string> messages;
 };
 
-Assembled Assemble(Fixture& f, const std::string& source, const std::string& out_name = "VIDEO_TS.IFO") {
+Assembled Assemble(Fixture& f, const std::string& source,
+                   const std::string& out_name = "VIDEO_TS.IFO") {
   f.ctx->convert.source_path = f.dir.file("VIDEO_TS.INI");
   test::WriteText(f.ctx->convert.source_path, source);
   std::string out_path = f.dir.file(out_name);
@@ -203,8 +206,8 @@ TEST(VmgiMatAssembleTest, FieldsAreReadBackAndComputedFieldsIgnored) {
   Assembled a = Assemble(f, VmgSource());
   std::vector<std::uint8_t> expected = test::MakeVmgImage();
   ByteWriter w(expected);
-  w.put_be32(12, 1);    // vmg_ea: 2T - 1
-  w.put_be32(192, 0);   // no menu VOB beside the output
+  w.put_be32(12, 1);   // vmg_ea: 2T - 1
+  w.put_be32(192, 0);  // no menu VOB beside the output
   EXPECT_EQ(a.bytes, expected);
 }
 
@@ -213,7 +216,7 @@ TEST(VmgiMatAssembleTest, MenuVobBesideTheOutputGivesItsStartAndSize) {
   test::WriteFileBytes(f.dir.file("VIDEO_TS.vob"), std::vector<std::uint8_t>(4097, 0));
   Assembled a = Assemble(f, VmgSource());
   ByteView v(a.bytes);
-  EXPECT_EQ(v.be32(192), 1u);              // vmgm_vobs_sa = T
+  EXPECT_EQ(v.be32(192), 1u);             // vmgm_vobs_sa = T
   EXPECT_EQ(v.be32(12), 2u * 1 + 3 - 1);  // vmg_ea = 2T + V - 1, V = 3 sectors
 }
 
@@ -246,7 +249,8 @@ std::string Commands(int count) {
 }
 
 std::string FirstPlayHeader(const char* cnt) {
-  std::string s = std::string("[fp_pgci]\npgc_cnt=") + cnt + "\npgc_pb_tm=00000000\npgc_uop_ctl=0\n";
+  std::string s =
+      std::string("[fp_pgci]\npgc_cnt=") + cnt + "\npgc_pb_tm=00000000\npgc_uop_ctl=0\n";
   for (int n = 1; n <= 8; ++n) s += Format("pgc_ast_ctlt%02d=0\n", {n});
   for (int n = 1; n <= 32; ++n) s += Format("pgc_spst_ctlt%02d=0\n", {n});
   s += "pgc_nv_ctl=0000000000000000\n";
