@@ -3,6 +3,7 @@
 #include <cstring>
 #include <memory>
 
+#include "app/batch_args.h"
 #include "cli/cli.h"
 #include "convert/drivers.h"
 #include "platform/paths.h"
@@ -109,23 +110,12 @@ void AddIfoCommands(CLI::App& app, Session& session) {
 
 std::optional<int> RunBatchArguments(int argc, char** argv, Session& session) {
   AppContext& ctx = session.ctx;
-  bool any = false;
+  ParseBatchArguments(argc, argv, ctx.batch);
+  bool any = ctx.batch.batch_args != 0;
   bool yes = false, no = false;
   for (int i = 1; i < argc; ++i) {
-    const char* arg = argv[i];
-    if (std::strncmp(arg, "-asm=", 5) == 0) {
-      ctx.batch.asm_path = arg + 5;
-      ++ctx.batch.batch_args;
-      any = true;
-    } else if (std::strncmp(arg, "-obj=", 5) == 0) {
-      ctx.batch.obj_path = arg + 5;
-      ++ctx.batch.batch_args;
-      any = true;
-    } else if (std::strcmp(arg, "--yes") == 0) {
-      yes = true;
-    } else if (std::strcmp(arg, "--no") == 0) {
-      no = true;
-    }
+    if (std::strcmp(argv[i], "--yes") == 0) yes = true;
+    if (std::strcmp(argv[i], "--no") == 0) no = true;
   }
   if (!any) return std::nullopt;
   if (ctx.batch.batch_args != 2) {
