@@ -1,10 +1,355 @@
 #include "extract/extract.h"
 
+#include <array>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "extract/output_file.h"
+#include "extract/payload.h"
+#include "extract/record_reader.h"
+#include "platform/format.h"
+#include "stream/hex_view.h"
+#include "stream/sector_type.h"
+
 namespace tarvex {
 
-void ExtractAudio(AppContext&) {}
-void ExtractVideo(AppContext&) {}
-void ExtractStills(AppContext&) {}
-void ExtractSubPictures(AppContext&) {}
+namespace {
+
+constexpr std::string_view kIllegalSector = "Illegal sector type, aborting extract operation!";
+constexpr std::string_view kUnknownSector = "Unknown sector type, aborting extract operation!";
+constexpr std::string_view kNothingFound = "End of file, no audio sectors found!";
+constexpr std::string_view kFileSystemError = "File system error!";
+constexpr std::uint32_t kSaveFlags = kOfnHideReadOnly | kOfnFileMustExist;  // 0x1004
+
+// The wait cursor of one run: switched on before a file is created, back off when the run
+// ends or a creation fails.
+class WaitCursor {
+ public:
+  explicit WaitCursor(UserInterface& ui) : ui_(ui) {}
+  ~WaitCursor() { Off(); }
+  WaitCursor(const WaitCursor&) = delete;
+  WaitCursor& operator=(const WaitCursor&) = delete;
+  void On() {
+    ui_.SetWaitCursor(true);
+    on_ = true;
+  }
+  void Off() {
+    if (on_) ui_.SetWaitCursor(false);
+    on_ = false;
+  }
+
+ private:
+  UserInterface& ui_;
+  bool on_ = false;
+};
+
+std::optional<std::string> ChooseOutput(AppContext& ctx, ChooserPurpose purpose, std::string filter,
+                                        std::string default_name) {
+  ChooserRequest request;
+  request.purpose = purpose;
+  request.filter = std::move(filter);
+  request.initial_dir = ctx.open.file_dir;
+  request.default_name = std::move(default_name);
+  request.flags = kSaveFlags;
+  return ctx.ui.ChooseSaveFile(request);
+}
+
+// The chosen path without its last four characters (the extension the chooser is assumed to
+// have added, whatever it is).
+std::string BaseName(const std::string& chosen) {
+  return chosen.substr(0, chosen.size() > 4 ? chosen.size() - 4 : 0);
+}
+
+// A sector no extraction can handle: the error dump; the run ends.
+void AbortOnIllegalSector(AppContext& ctx, RecordReader& reader, std::int32_t type) {
+  reader.Release();
+  ShowErrorDump(ctx, kIllegalSector, reader.position(), type);
+}
+
+void WriteBytes(OutputFile& file, ByteView record, std::uint32_t start, std::int32_t length) {
+  ByteRange range = PayloadBytes(record.size(), start, length);
+  file.Write(record.sub(range.offset, range.size));
+}
+
+// ---------------------------------------------------------------------------------------
+// Audio
+
+struct AudioSlot {
+  OutputFile file;
+  std::uint32_t count = 0;  // sample bytes written after the WAV header
+  bool wav = false;
+};
+
+struct AudioKind {
+  const char* filter;
+  const char* default_name;
+};
+
+AudioKind AudioKindOf(std::int32_t type) {
+  switch (type) {
+    case kSectorAc3:
+      return {"AC3 Audio (*.AC3)|*.AC3|", "audio%02d.AC3"};
+    case kSectorLpcm:
+      return {"PCM Audio (*.WAV)|*.WAV|", "audio%02d.WAV"};
+    default:
+      return {"MPEG Audio (*.MPA)|*.MPA|", "audio%02d.MPA"};
+  }
+}
+
+// The 44-byte RIFF/WAVE header as written when the file is made: both lengths 0, the byte
+// rate field is the sampling frequency / 8 and the block align field channels x 2 (16 bits)
+// or channels x 3.
+std::array<std::uint8_t, 44> WavHeader(const LpcmParameters& lpcm) {
+  std::array<std::uint8_t, 44> h{};
+  ByteWriter w(h);
+  w.put_bytes(0, ByteView(reinterpret_cast<const std::uint8_t*>("RIFF"), 4));
+  w.put_le32(4, 0);
+  w.put_bytes(8, ByteView(reinterpret_cast<const std::uint8_t*>("WAVE"), 4));
+  w.put_bytes(12, ByteView(reinterpret_cast<const std::uint8_t*>("fmt "), 4));
+  w.put_le32(16, 16);
+  w.put_le16(20, 1);
+  w.put_le16(22, lpcm.channels);
+  w.put_le32(24, lpcm.sampling_frequency);
+  w.put_le32(28, lpcm.sampling_frequency >> 3);
+  w.put_le16(32, lpcm.bits_per_sample == 16 ? lpcm.channels * 2 : lpcm.channels * 3);
+  w.put_le16(34, lpcm.bits_per_sample);
+  w.put_bytes(36, ByteView(reinterpret_cast<const std::uint8_t*>("data"), 4));
+  w.put_le32(40, 0);
+  return h;
+}
+
+// Big-endian LPCM samples to little-endian: bytes 0 and 1, 2 and 3, ... of the payload are
+// swapped in the record itself. With an odd length the last byte pairs with the byte after
+// the payload; a partner outside the record reads as 0 and is not written.
+void SwapPairs(std::span<std::uint8_t> record, ByteRange range) {
+  for (std::size_t i = 0; i < range.size; i += 2) {
+    std::size_t a = range.offset + i;
+    std::size_t b = a + 1;
+    std::uint8_t first = record[a];
+    record[a] = b < record.size() ? record[b] : 0;
+    if (b < record.size()) record[b] = first;
+  }
+}
+
+}  // namespace
+
+void ExtractAudio(AppContext& ctx) {
+  std::array<AudioSlot, 8> slots;
+  ctx.ClearReportList();
+  WaitCursor cursor(ctx.ui);
+  RecordReader reader(ctx.open.file_handle);
+  AudioPayload payload;  // an unknown sub-stream keeps the previous pack's start and length
+  LpcmParameters lpcm;
+  for (;;) {
+    if (reader.Next() == 0) break;
+    ByteView record = reader.view();
+    std::int32_t type = get_sector_type(record, ctx.stream.stream_number);
+    if (type == kSectorIllegal) {
+      // The files are left as they are: WAV headers are not patched.
+      AbortOnIllegalSector(ctx, reader, type);
+      return;
+    }
+    if (type != kSectorAc3 && type != kSectorLpcm && type != kSectorMpegAudio) continue;
+
+    LocateAudioPayload(record, payload);
+    AudioSlot& slot = slots[payload.stream & 7];
+    if (!slot.file.is_open()) {
+      AudioKind kind = AudioKindOf(type);
+      auto chosen = ChooseOutput(ctx, ChooserPurpose::kAudioStream, kind.filter,
+                                 Format(kind.default_name, {payload.stream}));
+      // Cancel ends the run; files made so far keep what was written and get no WAV patch.
+      if (!chosen) return;
+      cursor.On();
+      if (!slot.file.Create(*chosen)) {
+        // The box shows the routine's line buffer, which holds nothing for audio.
+        ctx.ui.ShowMessage("", kFileSystemError);
+        cursor.Off();
+        return;
+      }
+      if (type == kSectorLpcm) {
+        slot.count = 0;
+        slot.wav = true;
+        ReadLpcmParameters(record, lpcm);
+        auto header = WavHeader(lpcm);
+        slot.file.Write(ByteView(header.data(), header.size()));
+      }
+    }
+    ByteRange range = PayloadBytes(record.size(), payload.start, payload.length);
+    if (type == kSectorLpcm) SwapPairs(reader.record(), range);
+    slot.file.Write(record.sub(range.offset, range.size));
+    if (type == kSectorLpcm) slot.count += static_cast<std::uint32_t>(range.size);
+  }
+  for (AudioSlot& slot : slots) {
+    if (slot.wav && slot.file.is_open()) {
+      slot.file.PatchLe32(4, slot.count - 8);
+      slot.file.PatchLe32(40, slot.count - 36);
+    }
+    slot.file.Close();
+  }
+}
+
+namespace {
+
+// ---------------------------------------------------------------------------------------
+// Video, stills and sub-pictures: phase 1 finds the first pack of the wanted type and asks
+// for the file; phase 2 copies from record 0 on.
+
+// Phase 1. Returns true when a pack of the wanted type was found; otherwise the run has
+// already shown why it ends.
+bool FindFirstPack(AppContext& ctx, RecordReader& reader, std::int32_t wanted) {
+  for (;;) {
+    if (reader.Next() == 0) {
+      ctx.AddReportLine(kNothingFound);
+      return false;
+    }
+    std::int32_t type = get_sector_type(reader.view(), ctx.stream.stream_number);
+    if (type == kSectorIllegal) {
+      AbortOnIllegalSector(ctx, reader, type);
+      return false;
+    }
+    if (type == wanted) return true;
+  }
+}
+
+// Creates one numbered file; on failure shows the box with the name just formatted.
+bool CreateNumbered(AppContext& ctx, OutputFile& file, const std::string& name) {
+  if (file.Create(name)) return true;
+  ctx.ui.ShowMessage(name, kFileSystemError);
+  return false;
+}
+
+// The sequence end code scan of a still: positions p from s while p < 2048 - s.
+bool HasSequenceEnd(ByteView record, std::uint32_t s) {
+  for (std::uint32_t p = s; p < RecordReader::kRecordSize - s && s < RecordReader::kRecordSize;
+       ++p) {
+    if (record.be32(p) == 0x1B7) return true;
+  }
+  return false;
+}
+
+void ExtractVideoStream(AppContext& ctx, bool stills) {
+  ctx.ClearReportList();
+  WaitCursor cursor(ctx.ui);
+  RecordReader reader(ctx.open.file_handle);
+  if (!FindFirstPack(ctx, reader, kSectorVideo)) return;
+
+  auto chosen = ChooseOutput(ctx, stills ? ChooserPurpose::kStills : ChooserPurpose::kVideo,
+                             "MPEG Video(*.M2V)|*.M2V|", "");
+  if (!chosen) return;
+  cursor.On();
+  OutputFile out;
+  std::string base;
+  std::int32_t counter = 0;
+  if (stills) {
+    base = BaseName(*chosen);
+    counter = 1;
+    std::string name = Format("%s%04d.m2v", {base, counter});
+    counter = 2;
+    if (!CreateNumbered(ctx, out, name)) {
+      cursor.Off();
+      return;
+    }
+  } else if (!out.Create(*chosen)) {
+    // The box shows the routine's line buffer, which holds nothing for video.
+    ctx.ui.ShowMessage("", kFileSystemError);
+    cursor.Off();
+    return;
+  }
+
+  reader.Rewind();
+  for (;;) {
+    if (reader.Next() == 0) break;
+    ByteView record = reader.view();
+    std::int32_t type = get_sector_type(record, ctx.stream.stream_number);
+    if (type == kSectorIllegal) {
+      out.Close();
+      AbortOnIllegalSector(ctx, reader, type);
+      return;
+    }
+    if (type > kSectorMpegAudio) {
+      ctx.AddReportLine(kUnknownSector);
+      break;
+    }
+    if (type != kSectorVideo) continue;
+    VideoPayload payload = LocateVideoPayload(record);
+    WriteBytes(out, record, payload.start, payload.length);
+    if (stills && HasSequenceEnd(record, payload.start)) {
+      // The rest of this pack went to the file just closed; the next still starts with the
+      // next video pack.
+      out.Close();
+      std::string name = Format("%s%04d.m2v", {base, counter});
+      ++counter;
+      if (!CreateNumbered(ctx, out, name)) {
+        cursor.Off();
+        return;
+      }
+    }
+  }
+  out.Close();
+}
+
+}  // namespace
+
+void ExtractVideo(AppContext& ctx) {
+  ExtractVideoStream(ctx, false);
+}
+
+void ExtractStills(AppContext& ctx) {
+  ExtractVideoStream(ctx, true);
+}
+
+void ExtractSubPictures(AppContext& ctx) {
+  ctx.ClearReportList();
+  WaitCursor cursor(ctx.ui);
+  RecordReader reader(ctx.open.file_handle);
+  if (!FindFirstPack(ctx, reader, kSectorSubPicture)) return;
+
+  std::uint16_t stream_field = 0;  // never changed: every name carries "00"
+  auto chosen = ChooseOutput(ctx, ChooserPurpose::kSubPictures, "SubPicture(*.SUP)|*.SUP|", "");
+  if (!chosen) return;
+  cursor.On();
+  std::string base = BaseName(*chosen);
+  std::uint16_t counter = 1;
+  OutputFile out;
+  std::string name = Format("%s%02d%04d.SUP", {base, stream_field, counter});
+  counter = 2;
+  if (!CreateNumbered(ctx, out, name)) {
+    cursor.Off();
+    return;
+  }
+
+  bool written = false;
+  reader.Rewind();
+  for (;;) {
+    if (reader.Next() == 0) break;
+    ByteView record = reader.view();
+    std::int32_t type = get_sector_type(record, ctx.stream.stream_number);
+    if (type == kSectorIllegal) {
+      out.Close();
+      AbortOnIllegalSector(ctx, reader, type);
+      return;
+    }
+    if (type > kSectorMpegAudio) {
+      ctx.AddReportLine(kUnknownSector);
+      break;
+    }
+    if (type != kSectorSubPicture) continue;
+    SubPicturePayload payload = LocateSubPicturePayload(record);
+    if (payload.has_pts && written) {
+      // A PTS starts the next unit, in the next numbered file.
+      out.Close();
+      name = Format("%s%02d%04d.sup", {base, stream_field, counter});
+      ++counter;
+      if (!CreateNumbered(ctx, out, name)) {
+        cursor.Off();
+        return;
+      }
+    }
+    WriteBytes(out, record, payload.start, payload.length);
+    written = true;
+  }
+  out.Close();
+}
 
 }  // namespace tarvex

@@ -30,11 +30,12 @@ void ShowRecordHex(AppContext& ctx, bool append) {
 
 void ShowErrorDump(AppContext& ctx, std::string_view first_line, std::int64_t position_after_read,
                    std::int32_t sector_type) {
+  // File positions are 64-bit: the sector number stays right beyond 2 GB even though the
+  // offset prints as its low 32 bits.
   std::int64_t offset = position_after_read - RECORD_SIZE;
-  std::int32_t offset32 = static_cast<std::int32_t>(offset);
-  std::int32_t sector = offset32 / static_cast<std::int32_t>(RECORD_SIZE);
+  std::int64_t sector = offset / static_cast<std::int64_t>(RECORD_SIZE);
   ctx.AddReportLine(first_line);
-  ctx.AddReportLine(Format("Error at: offset %d sector number %d", {offset32, sector}));
+  ctx.AddReportLine(Format("Error at: offset %d sector number %d", {offset, sector}));
   ctx.AddReportLine(
       Format("Sector type found by get_sector_type: %02x %d", {sector_type, sector_type}));
   ctx.AddReportLine("Sector data:");

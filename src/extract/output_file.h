@@ -1,0 +1,48 @@
+// An extracted stream's output file with a write buffer. The file is made as the extraction
+// has always made it: created (or truncated), closed, then opened again for reading and
+// writing. Writes are collected and handed to the system in large blocks; Flush() and Close()
+// (also run by the destructor) write out everything collected, so the file always ends up
+// with every byte written to it, whichever way the extraction ends.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "platform/bytes.h"
+#include "platform/file_io.h"
+
+namespace tarvex {
+
+class OutputFile {
+ public:
+  static constexpr std::size_t kDefaultBufferSize = 256 * 1024;  // bytes
+
+  OutputFile() = default;
+  ~OutputFile() { Close(); }
+  OutputFile(OutputFile&&) = default;
+  OutputFile& operator=(OutputFile&& other) noexcept;
+  OutputFile(const OutputFile&) = delete;
+  OutputFile& operator=(const OutputFile&) = delete;
+
+  // Creates path (create-or-truncate), closes it and reopens it read-write. Returns false
+  // when the creation fails; the reopening is not checked (writes then go nowhere).
+  bool Create(const std::string& path, std::size_t buffer_size = kDefaultBufferSize);
+  // True from a successful Create() until Close().
+  bool is_open() const { return created_; }
+
+  void Write(ByteView bytes);
+  // Writes a 32-bit little-endian number at an absolute file offset (after the buffered bytes).
+  void PatchLe32(std::int64_t offset, std::uint32_t value);
+  void Flush();
+  void Close();
+
+ private:
+  File file_;
+  bool created_ = false;
+  std::vector<std::uint8_t> buffer_;
+  std::size_t buffer_size_ = kDefaultBufferSize;
+};
+
+}  // namespace tarvex

@@ -1,0 +1,106 @@
+#include "extract/record_reader.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+#include "extract_test_support.h"
+
+namespace tarvex {
+namespace {
+
+using namespace test;  // NOLINT
+
+// What reading 2048 bytes at a time into one zeroed buffer gives, record by record.
+std::vector<Bytes> ReferenceRecords(const Bytes& file) {
+  std::vector<Bytes> out;
+  Bytes buf(2048, 0);
+  for (std::size_t pos = 0; pos < file.size(); pos += 2048) {
+    std::size_t n = std::min<std::size_t>(2048, file.size() - pos);
+    std::memcpy(buf.data(), file.data() + pos, n);
+    out.push_back(buf);
+  }
+  return out;
+}
+
+void ExpectSameAsRecordByRecord(std::size_t file_size, std::size_t block_size) {
+  TempDir dir;
+  Bytes bytes = Pattern(file_size, static_cast<std::uint32_t>(file_size));
+  WriteFileBytes(dir.file("in"), bytes);
+  File file = File::OpenRead(dir.file("in"));
+  auto expected = ReferenceRecords(bytes);
+  {
+    RecordReader reader(file, block_size);
+    for (int pass = 0; pass < 2; ++pass) {
+      std::size_t i = 0;
+      std::int64_t position = 0;
+      for (;;) {
+        std::size_t got = reader.Next();
+        if (got == 0) break;
+        position += static_cast<std::int64_t>(got);
+        ASSERT_LT(i, expected.size());
+        EXPECT_EQ(got, std::min<std::size_t>(2048, file_size - i * 2048));
+        EXPECT_EQ(reader.position(), position);
+        Bytes rec(reader.record().begin(), reader.record().end());
+        EXPECT_EQ(rec, expected[i]) << "record " << i << " block " << block_size;
+        ++i;
+      }
+      EXPECT_EQ(i, expected.size());
+      EXPECT_EQ(reader.Next(), 0u);
+      reader.Rewind();
+    }
+  }
+  // The reader leaves the file where record-by-record reading would have.
+  EXPECT_EQ(file.Tell(), 0);
+}
+
+TEST(RecordReader, ShortLastRecordInsideABlockKeepsPreviousBytes) {
+  ExpectSameAsRecordByRecord(3 * 2048 + 100, 8 * 2048);
+}
+
+TEST(RecordReader, ShortLastRecordAtABlockStartKeepsPreviousBlocksLastRecord) {
+  ExpectSameAsRecordByRecord(4 * 2048 + 100, 2 * 2048);
+}
+
+TEST(RecordReader, FileOfWholeBlocksEndsCleanly) {
+  ExpectSameAsRecordByRecord(4 * 2048, 2 * 2048);
+}
+
+TEST(RecordReader, FileShorterThanARecordReadsIntoAZeroedBuffer) {
+  ExpectSameAsRecordByRecord(10, 2 * 2048);
+}
+
+TEST(RecordReader, EmptyFileReadsNothing) {
+  ExpectSameAsRecordByRecord(0, 2048);
+}
+
+TEST(RecordReader, ChangesToTheRecordStayBehindAShortRead) {
+  TempDir dir;
+  Bytes bytes = Join({Pattern(2048 * 2, 1), Pattern(5, 2)});
+  WriteFileBytes(dir.file("in"), bytes);
+  File file = File::OpenRead(dir.file("in"));
+  RecordReader reader(file, 2048);
+  reader.Next();
+  reader.Next();
+  reader.record()[100] = 0xEE;  // as the LPCM swap changes a record in place
+  EXPECT_EQ(reader.Next(), 5u);
+  EXPECT_EQ(reader.record()[100], 0xEE);
+  EXPECT_EQ(reader.record()[4], Pattern(5, 2)[4]);
+  EXPECT_EQ(reader.record()[5], bytes[2048 + 5]);
+}
+
+TEST(RecordReader, LeavesTheFileAtThePositionOfTheLastRead) {
+  TempDir dir;
+  WriteFileBytes(dir.file("in"), Pattern(10 * 2048, 1));
+  File file = File::OpenRead(dir.file("in"));
+  {
+    RecordReader reader(file);
+    reader.Next();
+    reader.Next();
+    reader.Next();
+  }
+  EXPECT_EQ(file.Tell(), 3 * 2048);
+}
+
+}  // namespace
+}  // namespace tarvex
