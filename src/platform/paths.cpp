@@ -1,8 +1,29 @@
 #include "platform/paths.h"
 
+#include <dirent.h>
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <cerrno>
 #include <cstdlib>
+#include <vector>
 
 namespace tarvex {
+
+namespace {
+
+bool EqualIgnoringAsciiCase(std::string_view a, std::string_view b) {
+  if (a.size() != b.size()) return false;
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    char x = a[i], y = b[i];
+    if (x >= 'A' && x <= 'Z') x = static_cast<char>(x - 'A' + 'a');
+    if (y >= 'A' && y <= 'Z') y = static_cast<char>(y - 'A' + 'a');
+    if (x != y) return false;
+  }
+  return true;
+}
+
+}  // namespace
 
 std::string HomeDirectory() {
   const char* home = std::getenv("HOME");
@@ -11,11 +32,24 @@ std::string HomeDirectory() {
 
 std::string ConfigFilePath() {
   const char* xdg = std::getenv("XDG_CONFIG_HOME");
-  std::string base = xdg && *xdg ? xdg : HomeDirectory() + "/.config";
+  std::string base = xdg && *xdg ? std::string(xdg) : HomeDirectory();
+  while (base.size() > 1 && base.back() == kPathSeparator) base.pop_back();
+  if (base == "/") base.clear();
+  if (!(xdg && *xdg)) base += "/.config";
   return base + "/ambrix/ambrix.ini";
 }
 
-void EnsureParentDirectory(const std::string&) {}
+void EnsureParentDirectory(const std::string& path) {
+  std::string dir = DirectoryPart(path);
+  if (dir.empty()) return;
+  // mkdir -p: create every missing folder from the top down.
+  for (std::size_t pos = 1; pos <= dir.size(); ++pos) {
+    if (pos != dir.size() && dir[pos] != kPathSeparator) continue;
+    std::string prefix = dir.substr(0, pos);
+    if (prefix.empty() || prefix.back() == kPathSeparator) continue;
+    if (::mkdir(prefix.c_str(), 0755) != 0 && errno != EEXIST) return;
+  }
+}
 
 std::size_t LastSeparator(std::string_view path) {
   return path.rfind(kPathSeparator);
@@ -32,7 +66,24 @@ std::string NamePart(std::string_view path) {
 }
 
 std::string FindFileIgnoringCase(const std::string& path) {
-  return path;
+  struct stat st {};
+  if (::lstat(path.c_str(), &st) == 0) return path;
+  std::size_t sep = LastSeparator(path);
+  std::string dir = sep == std::string::npos ? std::string(".") : path.substr(0, sep);
+  std::string name = sep == std::string::npos ? path : path.substr(sep + 1);
+  if (sep != std::string::npos && dir.empty()) dir = "/";
+  if (name.empty()) return {};
+  DIR* d = ::opendir(dir.c_str());
+  if (!d) return {};
+  std::vector<std::string> matches;
+  while (const dirent* e = ::readdir(d)) {
+    if (EqualIgnoringAsciiCase(e->d_name, name)) matches.emplace_back(e->d_name);
+  }
+  ::closedir(d);
+  if (matches.empty()) return {};
+  std::sort(matches.begin(), matches.end());
+  std::string prefix = sep == std::string::npos ? std::string() : path.substr(0, sep + 1);
+  return prefix + matches.front();
 }
 
 }  // namespace tarvex

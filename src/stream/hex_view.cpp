@@ -1,7 +1,7 @@
 #include "stream/hex_view.h"
 
 #include <array>
-#include <cctype>
+#include <string>
 
 #include "platform/format.h"
 
@@ -20,21 +20,30 @@ void ShowRecordHex(AppContext& ctx, bool append) {
   if (!append) ctx.ClearReportList();
   ctx.AddReportLine(Format("Hex display of record %ld at file address %ld", {record, address}));
   ctx.AddReportLine(" ");
+  // Each row is "%04d -> " and "%02x " per byte, the whole text then upper-cased; the digits
+  // are written here directly in upper case, which gives the same text.
+  static constexpr char kHexDigits[] = "0123456789ABCDEF";
+  std::string line;
   for (std::uint32_t row = 0; row < RECORD_SIZE / 16; ++row) {
-    std::string line = Format("%04d -> ", {row * 16});
-    for (std::uint32_t i = 0; i < 16; ++i) AppendFormat(line, "%02x ", {buf[row * 16 + i]});
-    for (char& c : line) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    line = Format("%04d -> ", {row * 16});
+    for (std::uint32_t i = 0; i < 16; ++i) {
+      const std::uint8_t byte = buf[row * 16 + i];
+      line += kHexDigits[byte >> 4];
+      line += kHexDigits[byte & 15];
+      line += ' ';
+    }
     ctx.AddReportLine(line);
   }
 }
 
 void ShowErrorDump(AppContext& ctx, std::string_view first_line, std::int64_t position_after_read,
                    std::int32_t sector_type) {
+  // File positions are 64-bit: the sector number stays right beyond 2 GB even though the
+  // offset prints as its low 32 bits.
   std::int64_t offset = position_after_read - RECORD_SIZE;
-  std::int32_t offset32 = static_cast<std::int32_t>(offset);
-  std::int32_t sector = offset32 / static_cast<std::int32_t>(RECORD_SIZE);
+  std::int64_t sector = offset / static_cast<std::int64_t>(RECORD_SIZE);
   ctx.AddReportLine(first_line);
-  ctx.AddReportLine(Format("Error at: offset %d sector number %d", {offset32, sector}));
+  ctx.AddReportLine(Format("Error at: offset %d sector number %d", {offset, sector}));
   ctx.AddReportLine(
       Format("Sector type found by get_sector_type: %02x %d", {sector_type, sector_type}));
   ctx.AddReportLine("Sector data:");

@@ -109,25 +109,64 @@ std::uint32_t pes_dts(ByteView record) {
   return (record.u8(21) & 0xC0) == 0xC0 ? DecodePts(record.sub(28)) : 0;
 }
 
+namespace {
+
+constexpr std::size_t kVideoScanLast = 2044;  // last position of a 4-byte start code
+
+// A group of pictures header at i: remembered, and the scan goes on.
+void NoteGroupOfPictures(ByteView buf, std::size_t i, VideoScan& scan) {
+  scan.gop_found = 1;
+  scan.gop_position = static_cast<std::int32_t>(i);
+  scan.gop_closed = (buf.u8(i + 4) & 0x80) != 0;
+  std::uint32_t b4 = buf.u8(i + 4), b5 = buf.u8(i + 5), b6 = buf.u8(i + 6), b7 = buf.u8(i + 7);
+  scan.gop_time = ((b4 & 0x7C) >> 2) * 324000000u +
+                  (((b4 & 3) << 6) | ((b5 & 0xFC) >> 2)) * 5400000u +
+                  (((b5 & 1) << 7) | ((b6 & 0xFC) >> 2)) * 90000u +
+                  (((b6 & 3) << 6) | ((b7 & 0xFC) >> 2)) * 3003u;
+}
+
+// A picture header at i: frame type and number.
+void NotePicture(ByteView buf, std::size_t i, VideoScan& scan) {
+  scan.frame_type = (buf.u8(i + 5) & 0x38) >> 3;
+  scan.frame_number = static_cast<std::int32_t>(static_cast<std::uint32_t>(buf.s8(i + 4)) << 2) |
+                      ((buf.u8(i + 5) & 0xC0) >> 6);
+}
+
+}  // namespace
+
 void scan_video_headers(ByteView buf, VideoScan& scan) {
-  for (std::size_t i = 0; i <= 2044; ++i) {
-    std::uint32_t w = buf.be32(i);
-    if (w == 0x1B8) {
-      scan.gop_found = 1;
-      scan.gop_position = static_cast<std::int32_t>(i);
-      scan.gop_closed = (buf.u8(i + 4) & 0x80) != 0;
-      std::uint32_t b4 = buf.u8(i + 4), b5 = buf.u8(i + 5), b6 = buf.u8(i + 6), b7 = buf.u8(i + 7);
-      scan.gop_time = ((b4 & 0x7C) >> 2) * 324000000u +
-                      (((b4 & 3) << 6) | ((b5 & 0xFC) >> 2)) * 5400000u +
-                      (((b5 & 1) << 7) | ((b6 & 0xFC) >> 2)) * 90000u +
-                      (((b6 & 3) << 6) | ((b7 & 0xFC) >> 2)) * 3003u;
-    } else if (w == 0x100) {
-      scan.frame_type = (buf.u8(i + 5) & 0x38) >> 3;
-      scan.frame_number =
-          static_cast<std::int32_t>(static_cast<std::uint32_t>(buf.s8(i + 4)) << 2) |
-          ((buf.u8(i + 5) & 0xC0) >> 6);
-      return;
+  if (buf.size() < kVideoScanLast + 4) {
+    for (std::size_t i = 0; i <= kVideoScanLast; ++i) {
+      std::uint32_t w = buf.be32(i);
+      if (w == 0x1B8) {
+        NoteGroupOfPictures(buf, i, scan);
+      } else if (w == 0x100) {
+        NotePicture(buf, i, scan);
+        return;
+      }
     }
+    return;
+  }
+  // The same scan, skipping positions that cannot hold 00 00 01 (this runs for every video
+  // record of a listing, so it must be quick). With b the third byte at position i: b > 1
+  // rules out i, i+1 and i+2; b = 0 rules out i only; b = 1 rules out i+1 and i+2.
+  const std::uint8_t* d = buf.data();
+  std::size_t i = 0;
+  while (i <= kVideoScanLast) {
+    const std::uint8_t b = d[i + 2];
+    if (b == 0) {
+      i += 1;
+      continue;
+    }
+    if (b == 1 && d[i] == 0 && d[i + 1] == 0) {
+      if (d[i + 3] == 0xB8) {
+        NoteGroupOfPictures(buf, i, scan);
+      } else if (d[i + 3] == 0x00) {
+        NotePicture(buf, i, scan);
+        return;
+      }
+    }
+    i += 3;
   }
 }
 

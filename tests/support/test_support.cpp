@@ -116,6 +116,19 @@ Record MakePesPack(std::uint8_t stream_id, std::uint8_t flags2,
   return r;
 }
 
+void PutBytes(Record& record, std::size_t offset, const std::vector<std::uint8_t>& bytes) {
+  for (std::size_t i = 0; i < bytes.size() && offset + i < record.size(); ++i) {
+    record[offset + i] = bytes[i];
+  }
+}
+
+Record MakePaddingPack(std::uint64_t scr_base, std::uint32_t scr_ext) {
+  Record r = MakePackHeader(scr_base, scr_ext);
+  PutBytes(r, 14, {0x00, 0x00, 0x01, 0xBE, 0x07, 0xEC});
+  for (std::size_t i = 20; i < r.size(); ++i) r[i] = 0xFF;
+  return r;
+}
+
 std::vector<std::uint8_t> Concat(const std::vector<Record>& records) {
   std::vector<std::uint8_t> out;
   for (const auto& r : records) out.insert(out.end(), r.begin(), r.end());

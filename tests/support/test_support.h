@@ -60,6 +60,10 @@ void PutTimeStamp(Record& record, std::size_t offset, std::uint8_t prefix, std::
 Record MakePesPack(std::uint8_t stream_id, std::uint8_t flags2,
                    const std::vector<std::uint8_t>& header_data,
                    const std::vector<std::uint8_t>& payload, std::uint64_t scr_base = 0);
+// Copies bytes into the record at offset (bytes past its end are dropped).
+void PutBytes(Record& record, std::size_t offset, const std::vector<std::uint8_t>& bytes);
+// A padding pack (stream 0xBE) with the given SCR.
+Record MakePaddingPack(std::uint64_t scr_base = 0, std::uint32_t scr_ext = 0);
 // Concatenates records into one stream.
 std::vector<std::uint8_t> Concat(const std::vector<Record>& records);
 

@@ -1,0 +1,130 @@
+#include "app/commands.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "convert/drivers.h"
+#include "extract/extract.h"
+#include "stream/details.h"
+#include "stream/listing.h"
+
+namespace tarvex {
+
+namespace {
+
+// Characters of a listing line that hold the record number ("%06d").
+constexpr std::size_t kRecordNumberWidth = 6;
+
+bool IsBlank(char c) {
+  return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
+}
+
+// Back from the details to what was shown before them.
+void LeaveDetails(AppContext& ctx) {
+  ctx.stream.details_mode = 0;
+  OpenFileState& open = ctx.open;
+  if (open.file_type == kFileVob) {
+    if (open.page_end < PAGE_RECORDS) {
+      open.page_end = PAGE_RECORDS;
+      list_page(ctx, 0, PAGE_RECORDS);
+    } else {
+      open.page_end += 1;
+      list_page(ctx, open.page_end - PAGE_RECORDS, open.page_end);
+    }
+  } else if (open.file_type == kFileIfo) {
+    open.page_end = 0;
+    ShowIfoOverview(ctx);
+  }
+  // Other file types list nothing.
+}
+
+}  // namespace
+
+std::uint32_t RecordNumberOfLine(const std::string& line) {
+  // The number is read the way atol reads it, from the first six characters only; the value
+  // wraps at 32 bits.
+  std::string_view text(line);
+  text = text.substr(0, std::min(text.size(), kRecordNumberWidth));
+  std::size_t i = 0;
+  while (i < text.size() && IsBlank(text[i])) ++i;
+  bool negative = false;
+  if (i < text.size() && (text[i] == '+' || text[i] == '-')) {
+    negative = text[i] == '-';
+    ++i;
+  }
+  std::uint32_t value = 0;
+  for (; i < text.size() && text[i] >= '0' && text[i] <= '9'; ++i) {
+    value = value * 10 + static_cast<std::uint32_t>(text[i] - '0');
+  }
+  return negative ? 0u - value : value;
+}
+
+void DetailsCommand(AppContext& ctx) {
+  if (ctx.stream.hex_mode == 1) return;
+  if (ctx.stream.details_mode == 1) {
+    LeaveDetails(ctx);
+    return;
+  }
+  std::optional<std::string> selected = ctx.report.SelectedText();
+  if (!selected) return;
+  if (ctx.open.file_type == kFileIfo) {
+    // The report driver compares the selected line with its table names; on a match it shows
+    // that table and sets details_mode.
+    ShowIfoDetails(ctx);
+    return;
+  }
+  ctx.open.page_end = RecordNumberOfLine(*selected);
+  ShowRecordDetails(ctx);
+  ctx.stream.details_mode = 1;
+}
+
+void HexCommand(AppContext& ctx) {
+  SelectRecordForHex(ctx);
+}
+
+void ClearCommand(AppContext& ctx) {
+  ctx.ClearReportList();
+}
+
+ExtractActions DefaultExtractActions() {
+  return {ExtractAudio, ExtractVideo, ExtractStills, ExtractSubPictures, DisassembleIfo};
+}
+
+void ExtractCommand(AppContext& ctx, const ExtractRequest& ticked) {
+  ExtractCommand(ctx, ticked, DefaultExtractActions());
+}
+
+void ExtractCommand(AppContext& ctx, const ExtractRequest& ticked, const ExtractActions& actions) {
+  ExtractRequest& request = ctx.extract;
+  request = ExtractRequest{};
+  // The boxes are read when OK is pressed, in the dialog's order of ids 101, 103, 104, 105, 102.
+  if (ticked.extract_audio) request.extract_audio = 1;
+  if (ticked.extract_video) request.extract_video = 1;
+  if (ticked.extract_stills) request.extract_stills = 1;
+  if (ticked.extract_subpictures) request.extract_subpictures = 1;
+  if (ticked.disassemble_ifo) request.disassemble_ifo = 1;
+
+  // Each action runs to completion before the next; none depends on another's result.
+  if (request.extract_audio == 1) actions.audio(ctx);
+  if (request.extract_video == 1) actions.video(ctx);
+  if (request.extract_stills == 1) actions.stills(ctx);
+  if (request.extract_subpictures == 1) actions.subpictures(ctx);
+  if (request.disassemble_ifo == 1) actions.disassemble(ctx);
+}
+
+void ExtractCancelled(AppContext& ctx) {
+  ctx.extract = ExtractRequest{};
+}
+
+bool CloseQuery(AppContext& ctx) {
+  if (ctx.open.file_handle.is_open()) {
+    ctx.open.file_handle.Close();
+    ctx.ClearReportList();
+  }
+  return true;
+}
+
+}  // namespace tarvex

@@ -1,0 +1,31 @@
+// Program chains: a 236-byte header and up to four sub-tables (commands, program map, cell
+// playback information, cell position information), each found through a 16-bit byte offset.
+// The containing table chooses the IfoSource section and the key prefix.
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string_view>
+
+#include "app/context.h"
+#include "platform/bytes.h"
+
+namespace tarvex {
+
+inline constexpr std::uint32_t kPgcHeaderSize = 236;
+
+// Reports the chain at base + offset; every line starts with indent blanks.
+void pgc_report(AppContext& ctx, int indent, ByteView base, std::size_t offset);
+// Writes the chain at base + offset as prefix + field keys into section.
+void pgc_disassemble(AppContext& ctx, ByteView base, std::size_t offset, std::string_view prefix,
+                     std::string_view section);
+// Reads a chain from the IfoSource into the assembly state (ctx.ifo.pgc).
+void pgc_assemble(AppContext& ctx, std::string_view section, std::string_view prefix);
+// Lays out the assembled chain, fills the four offsets of its header and returns its size
+// in bytes (kept as a 16-bit value).
+std::uint16_t pgc_layout(AppContext& ctx);
+// Copies the assembled chain into buffer (its size is the capacity); returns the bytes
+// written. Frees both cell lists.
+std::uint32_t pgc_copy_out(AppContext& ctx, std::span<std::uint8_t> buffer);
+
+}  // namespace tarvex
