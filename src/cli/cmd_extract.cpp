@@ -4,9 +4,8 @@
 #include <filesystem>
 #include <memory>
 
+#include "app/commands.h"
 #include "cli/cli.h"
-#include "convert/drivers.h"
-#include "extract/extract.h"
 
 namespace tarvex::cli {
 
@@ -66,19 +65,15 @@ void RunExtract(Session& session, const ExtractOptions& o) {
     PrintReport(ctx);
     return;
   }
-  // The Extract dialog: every flag cleared, then the ticked boxes set.
-  ctx.extract = ExtractRequest{};
-  ctx.extract.extract_audio = o.audio ? 1 : 0;
-  ctx.extract.extract_video = o.video ? 1 : 0;
-  ctx.extract.extract_stills = o.stills ? 1 : 0;
-  ctx.extract.extract_subpictures = o.subpictures ? 1 : 0;
-  ctx.extract.disassemble_ifo = o.disassemble ? 1 : 0;
-  // The fixed order of the Extract command.
-  if (ctx.extract.extract_audio) ExtractAudio(ctx);
-  if (ctx.extract.extract_video) ExtractVideo(ctx);
-  if (ctx.extract.extract_stills) ExtractStills(ctx);
-  if (ctx.extract.extract_subpictures) ExtractSubPictures(ctx);
-  if (ctx.extract.disassemble_ifo) DisassembleIfo(ctx);
+  // The Extract dialog closed with OK and these boxes ticked; the runs follow in the fixed
+  // order audio, video, stills, sub-pictures, disassembly.
+  ExtractRequest ticked;
+  ticked.extract_audio = o.audio ? 1 : 0;
+  ticked.extract_video = o.video ? 1 : 0;
+  ticked.extract_stills = o.stills ? 1 : 0;
+  ticked.extract_subpictures = o.subpictures ? 1 : 0;
+  ticked.disassemble_ifo = o.disassemble ? 1 : 0;
+  ExtractCommand(ctx, ticked);
   PrintReport(ctx);
 }
 

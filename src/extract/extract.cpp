@@ -9,6 +9,7 @@
 #include "extract/output_file.h"
 #include "extract/payload.h"
 #include "extract/record_reader.h"
+#include "platform/file_identity.h"
 #include "platform/format.h"
 #include "stream/hex_view.h"
 #include "stream/sector_type.h"
@@ -66,6 +67,15 @@ std::string BaseName(const std::string& chosen) {
 void AbortOnIllegalSector(AppContext& ctx, RecordReader& reader, std::int32_t type) {
   reader.Release();
   ShowErrorDump(ctx, kIllegalSector, reader.position(), type);
+}
+
+// Makes an output file. When it is the open stream itself, which creating truncates, the
+// reader first forgets what it read ahead of the current record, so the walk goes on with the
+// file as it then is (as record-by-record reading would).
+bool CreateOutput(AppContext& ctx, RecordReader& reader, OutputFile& file,
+                  const std::string& path) {
+  if (IsSameFile(ctx.open.file_path, path)) reader.DropReadAhead();
+  return file.Create(path);
 }
 
 void WriteBytes(OutputFile& file, ByteView record, std::uint32_t start, std::int32_t length) {
@@ -167,7 +177,7 @@ void ExtractAudio(AppContext& ctx) {
       // Cancel ends the run; files made so far keep what was written and get no WAV patch.
       if (!chosen) return;
       cursor.On();
-      if (!slot.file.Create(*chosen)) {
+      if (!CreateOutput(ctx, reader, slot.file, *chosen)) {
         // The box shows the routine's line buffer, which holds nothing for audio.
         ctx.ui.ShowMessage("", kFileSystemError);
         cursor.Off();
@@ -182,8 +192,8 @@ void ExtractAudio(AppContext& ctx) {
       }
     }
     ByteRange range = PayloadBytes(record.size(), payload.start, payload.length);
-    if (type == kSectorLpcm) SwapPairs(reader.record(), range);
-    slot.file.Write(record.sub(range.offset, range.size));
+    if (type == kSectorLpcm) SwapPairs(reader.MutableRecord(), range);
+    slot.file.Write(reader.view().sub(range.offset, range.size));
     if (type == kSectorLpcm) slot.count += static_cast<std::uint32_t>(range.size);
   }
   for (AudioSlot& slot : slots) {
@@ -219,8 +229,9 @@ bool FindFirstPack(AppContext& ctx, RecordReader& reader, std::int32_t wanted) {
 }
 
 // Creates one numbered file; on failure shows the box with the name just formatted.
-bool CreateNumbered(AppContext& ctx, OutputFile& file, const std::string& name) {
-  if (file.Create(name)) return true;
+bool CreateNumbered(AppContext& ctx, RecordReader& reader, OutputFile& file,
+                    const std::string& name) {
+  if (CreateOutput(ctx, reader, file, name)) return true;
   ctx.ui.ShowMessage(name, kFileSystemError);
   return false;
 }
@@ -252,11 +263,11 @@ void ExtractVideoStream(AppContext& ctx, bool stills) {
     counter = 1;
     std::string name = Format("%s%04d.m2v", {base, counter});
     counter = 2;
-    if (!CreateNumbered(ctx, out, name)) {
+    if (!CreateNumbered(ctx, reader, out, name)) {
       cursor.Off();
       return;
     }
-  } else if (!out.Create(*chosen)) {
+  } else if (!CreateOutput(ctx, reader, out, *chosen)) {
     // The box shows the routine's line buffer, which holds nothing for video.
     ctx.ui.ShowMessage("", kFileSystemError);
     cursor.Off();
@@ -286,7 +297,7 @@ void ExtractVideoStream(AppContext& ctx, bool stills) {
       out.Close();
       std::string name = Format("%s%04d.m2v", {base, counter});
       ++counter;
-      if (!CreateNumbered(ctx, out, name)) {
+      if (!CreateNumbered(ctx, reader, out, name)) {
         cursor.Off();
         return;
       }
@@ -320,7 +331,7 @@ void ExtractSubPictures(AppContext& ctx) {
   OutputFile out;
   std::string name = Format("%s%02d%04d.SUP", {base, stream_field, counter});
   counter = 2;
-  if (!CreateNumbered(ctx, out, name)) {
+  if (!CreateNumbered(ctx, reader, out, name)) {
     cursor.Off();
     return;
   }
@@ -347,7 +358,7 @@ void ExtractSubPictures(AppContext& ctx) {
       out.Close();
       name = Format("%s%02d%04d.sup", {base, stream_field, counter});
       ++counter;
-      if (!CreateNumbered(ctx, out, name)) {
+      if (!CreateNumbered(ctx, reader, out, name)) {
         cursor.Off();
         return;
       }

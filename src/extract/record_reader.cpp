@@ -8,8 +8,9 @@ namespace tarvex {
 RecordReader::RecordReader(File& file, std::size_t block_size)
     : file_(file),
       block_(std::max(kRecordSize, block_size / kRecordSize * kRecordSize)),
-      short_record_(kRecordSize, 0),
-      current_(short_record_.data()) {
+      own_(kRecordSize, 0),
+      own_data_(own_.data()),
+      current_(own_data_) {
   Rewind();
 }
 
@@ -23,42 +24,51 @@ void RecordReader::Release() {
 }
 
 void RecordReader::Rewind() {
-  file_.Seek(0);
   position_ = 0;
-  block_used_ = 0;
-  block_offset_ = 0;
-  at_end_ = false;
+  DropReadAhead();
 }
 
-bool RecordReader::FillBlock() {
-  if (at_end_) return false;
-  // The block is about to be overwritten: keep the current record, which a short read
-  // would leave behind its own bytes.
-  if (current_ != short_record_.data()) {
-    std::memcpy(short_record_.data(), current_, kRecordSize);
-    current_ = short_record_.data();
+void RecordReader::KeepCurrent() {
+  if (current_ != own_data_) {
+    std::memcpy(own_data_, current_, kRecordSize);
+    current_ = own_data_;
   }
-  block_offset_ = 0;
-  block_used_ = file_.Read(block_.data(), block_.size());
-  // File::Read only stops short at the end of the file.
-  if (block_used_ < block_.size()) at_end_ = true;
-  return block_used_ > 0;
+}
+
+void RecordReader::DropReadAhead() {
+  KeepCurrent();
+  base_ = nullptr;
+  available_ = 0;
+  offset_ = 0;
+}
+
+std::span<std::uint8_t> RecordReader::MutableRecord() {
+  KeepCurrent();
+  return {own_data_, kRecordSize};
+}
+
+bool RecordReader::Refill() {
+  // The block is about to be overwritten: keep the current record, which a short read would
+  // leave behind its own bytes.
+  DropReadAhead();
+  file_.Seek(position_);
+  available_ = file_.Read(block_.data(), block_.size());
+  base_ = block_.data();
+  offset_ = 0;
+  return available_ > 0;
 }
 
 std::size_t RecordReader::Next() {
-  if (block_offset_ >= block_used_ && !FillBlock()) return 0;
-  std::size_t got = std::min(kRecordSize, block_used_ - block_offset_);
-  std::uint8_t* src = block_.data() + block_offset_;
+  if (offset_ >= available_ && !Refill()) return 0;
+  std::size_t got = std::min(kRecordSize, available_ - offset_);
+  const std::uint8_t* src = base_ + offset_;
   if (got == kRecordSize) {
     current_ = src;
   } else {
-    if (current_ != short_record_.data()) {
-      std::memcpy(short_record_.data(), current_, kRecordSize);
-    }
-    std::memcpy(short_record_.data(), src, got);
-    current_ = short_record_.data();
+    KeepCurrent();
+    std::memcpy(own_data_, src, got);
   }
-  block_offset_ += got;
+  offset_ += got;
   position_ += static_cast<std::int64_t>(got);
   return got;
 }

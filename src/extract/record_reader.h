@@ -2,7 +2,7 @@
 // it yields holds exactly what a 2048-byte read into one persistent record buffer would hold:
 // a short last read leaves the previous record's bytes (as the caller left them, for instance
 // byte-swapped in place) behind the bytes it got. A new reader starts from a zeroed buffer.
-// Memory use is the block buffer plus two records, whatever the file size.
+// Memory use is one block plus one record, whatever the file size.
 #pragma once
 
 #include <cstddef>
@@ -20,6 +20,7 @@ class RecordReader {
   static constexpr std::size_t kRecordSize = 2048;
   static constexpr std::size_t kDefaultBlockSize = 1 << 20;  // bytes, a multiple of 2048
 
+  // block_size is rounded down to whole records (at least one).
   explicit RecordReader(File& file, std::size_t block_size = kDefaultBlockSize);
   RecordReader(const RecordReader&) = delete;
   RecordReader& operator=(const RecordReader&) = delete;
@@ -30,25 +31,31 @@ class RecordReader {
   void Rewind();
   // Reads the next record; returns the number of bytes the read got (0 at the end).
   std::size_t Next();
-  // The current record buffer: always 2048 bytes, writable.
-  std::span<std::uint8_t> record() const { return {current_, kRecordSize}; }
+  // The current record: always 2048 bytes.
   ByteView view() const { return {current_, kRecordSize}; }
+  // The current record, to be changed in place (the changes stay for a short read to keep).
+  std::span<std::uint8_t> MutableRecord();
   // The file position after the last read, in bytes.
   std::int64_t position() const { return position_; }
+  // Forgets every byte read ahead of position(): the next record is read from the file as
+  // it is then (for instance after an output file of the same name truncated it).
+  void DropReadAhead();
   // Moves the file to position() now and leaves it alone afterwards (for a caller that is
   // about to read the file itself, such as the error dump).
   void Release();
 
  private:
-  bool FillBlock();
+  bool Refill();
+  void KeepCurrent();
 
   File& file_;
   std::vector<std::uint8_t> block_;
-  std::size_t block_used_ = 0;              // valid bytes in block_
-  std::size_t block_offset_ = 0;            // next unread byte in block_
-  bool at_end_ = false;                     // the last block read hit the end of the file
-  std::vector<std::uint8_t> short_record_;  // holds a short record and the bytes behind it
-  std::uint8_t* current_;
+  const std::uint8_t* base_ = nullptr;  // the block
+  std::size_t available_ = 0;           // valid bytes at base_
+  std::size_t offset_ = 0;              // next unread byte at base_
+  std::vector<std::uint8_t> own_;       // a record the reader owns (short, changed or kept)
+  std::uint8_t* own_data_;
+  const std::uint8_t* current_;
   std::int64_t position_ = 0;
   bool released_ = false;
 };

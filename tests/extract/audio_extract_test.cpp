@@ -15,9 +15,11 @@ class DefaultNameUi : public ScriptedUi {
   std::optional<std::string> ChooseSaveFile(const ChooserRequest& request) override {
     ScriptedUi::ChooseSaveFile(request);
     if (cancel_after-- == 0) return std::nullopt;
+    if (!same_as_input.empty()) return same_as_input;
     return dir_ + "/" + request.default_name;
   }
   int cancel_after = -1;
+  std::string same_as_input;
 
  private:
   std::string dir_;
@@ -322,6 +324,21 @@ TEST(ExtractAudioTest, IllegalSectorShowsErrorDumpAndLeavesFilesUnpatched) {
   ASSERT_EQ(wav.size(), 44u + 2012);
   EXPECT_EQ(Slice(wav, 4, 8), (Bytes{0, 0, 0, 0}));
   EXPECT_FALSE(File::Exists(run.out("audio01.AC3")));
+}
+
+TEST(ExtractAudioTest, ChoosingTheStreamItselfTruncatesItAndEndsTheWalk) {
+  AudioRun run;
+  Record a = Ac3Pack(0x80, 1);
+  std::vector<Record> records(3000, Ac3Pack(0x81, 2));  // 6 MB: more than the read-ahead
+  records.insert(records.begin(), a);
+  run.Open(records);
+  // The chooser of stream 0 is answered with the open stream's own path: it is truncated,
+  // so the walk finds no more records, as record-by-record reading would.
+  run.ui.same_as_input = run.fx.dir.file("in.vob");
+  ExtractAudio(run.ctx);
+  EXPECT_EQ(run.ui.Choosers().size(), 1u);
+  EXPECT_EQ(ReadFileBytes(run.fx.dir.file("in.vob")), Slice(a, 32));
+  EXPECT_TRUE(run.ctx.report.empty());
 }
 
 TEST(ExtractAudioTest, StreamNumberIsLeftByTheLastClassification) {

@@ -41,7 +41,7 @@ void ExpectSameAsRecordByRecord(std::size_t file_size, std::size_t block_size) {
         ASSERT_LT(i, expected.size());
         EXPECT_EQ(got, std::min<std::size_t>(2048, file_size - i * 2048));
         EXPECT_EQ(reader.position(), position);
-        Bytes rec(reader.record().begin(), reader.record().end());
+        Bytes rec(reader.view().data(), reader.view().data() + 2048);
         EXPECT_EQ(rec, expected[i]) << "record " << i << " block " << block_size;
         ++i;
       }
@@ -74,19 +74,52 @@ TEST(RecordReader, EmptyFileReadsNothing) {
   ExpectSameAsRecordByRecord(0, 2048);
 }
 
+TEST(RecordReader, LargeFileAcrossManyBlocks) {
+  ExpectSameAsRecordByRecord(3 * 1024 * 1024 + 2048 * 7 + 1234, 1 << 20);
+}
+
+TEST(RecordReader, DropReadAheadRereadsTheFileAsItNowIs) {
+  TempDir dir;
+  Bytes bytes = Pattern(6 * 2048, 1);
+  WriteFileBytes(dir.file("in"), bytes);
+  File file = File::OpenRead(dir.file("in"));
+  RecordReader reader(file, 4096);
+  reader.Next();  // record 0; record 1 is already in the block
+  // The file changes behind the reader: the rest is read as it is now.
+  reader.DropReadAhead();
+  Bytes changed = bytes;
+  changed[2048 + 7] = 0x01;
+  WriteFileBytes(dir.file("in"), changed);
+  ASSERT_EQ(reader.Next(), 2048u);
+  EXPECT_EQ(reader.view().u8(7), 0x01);
+  EXPECT_EQ(reader.position(), 4096);
+}
+
+TEST(RecordReader, FileTruncatedBehindTheReaderEndsTheWalkAfterDropReadAhead) {
+  TempDir dir;
+  WriteFileBytes(dir.file("in"), Pattern(6 * 2048, 1));
+  File file = File::OpenRead(dir.file("in"));
+  RecordReader reader(file, 4096);
+  reader.Next();
+  reader.DropReadAhead();  // as the extraction does before it truncates its own input
+  File::Create(dir.file("in"));
+  EXPECT_EQ(reader.view().u8(5), Pattern(6, 1)[5]);
+  EXPECT_EQ(reader.Next(), 0u);
+}
+
 TEST(RecordReader, ChangesToTheRecordStayBehindAShortRead) {
   TempDir dir;
   Bytes bytes = Join({Pattern(2048 * 2, 1), Pattern(5, 2)});
   WriteFileBytes(dir.file("in"), bytes);
   File file = File::OpenRead(dir.file("in"));
-  RecordReader reader(file, 2048);
+  RecordReader reader(file, 4096);
   reader.Next();
   reader.Next();
-  reader.record()[100] = 0xEE;  // as the LPCM swap changes a record in place
+  reader.MutableRecord()[100] = 0xEE;  // as the LPCM swap changes a record in place
   EXPECT_EQ(reader.Next(), 5u);
-  EXPECT_EQ(reader.record()[100], 0xEE);
-  EXPECT_EQ(reader.record()[4], Pattern(5, 2)[4]);
-  EXPECT_EQ(reader.record()[5], bytes[2048 + 5]);
+  EXPECT_EQ(reader.view().data()[100], 0xEE);
+  EXPECT_EQ(reader.view().data()[4], Pattern(5, 2)[4]);
+  EXPECT_EQ(reader.view().data()[5], bytes[2048 + 5]);
 }
 
 TEST(RecordReader, LeavesTheFileAtThePositionOfTheLastRead) {
