@@ -6,6 +6,7 @@
 #include <string>
 
 #include "app/report_list.h"
+#include "app/window_state.h"
 #include "convert/convert_state.h"
 #include "ifo/ifo_state.h"
 #include "platform/file_io.h"
@@ -78,6 +79,7 @@ struct AppContext {
   StreamState stream;
   ExtractRequest extract;
   BatchArgs batch;
+  WindowState window;    // first paint of the main window
   IfoState ifo;          // table modules' images and counts
   ConvertState convert;  // IfoSource and output paths of the conversion drivers
 

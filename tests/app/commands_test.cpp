@@ -71,6 +71,8 @@ TEST(DetailsCommand, ShowsTheRecordNamedByTheSelectedLine) {
   DetailsCommand(*f.ctx);
   EXPECT_EQ(f.ctx->open.page_end, 17u);
   EXPECT_EQ(f.ctx->stream.details_mode, 1);
+  ASSERT_FALSE(f.lines().empty());
+  EXPECT_EQ(f.lines().front(), "Details display of record 17 at file address 34816");
 }
 
 TEST(DetailsCommand, SecondPressBeforeRecord16GoesBackToTheFirstPage) {
@@ -82,6 +84,10 @@ TEST(DetailsCommand, SecondPressBeforeRecord16GoesBackToTheFirstPage) {
   DetailsCommand(*f.ctx);
   EXPECT_EQ(f.ctx->stream.details_mode, 0);
   EXPECT_EQ(f.ctx->open.page_end, 16u);
+  // Records 0 to 15, one line each (these packs carry no video, so no second lines).
+  ASSERT_EQ(f.lines().size(), 16u);
+  EXPECT_EQ(f.lines().front().substr(0, 6), "000000");
+  EXPECT_EQ(f.lines().back().substr(0, 6), "000015");
 }
 
 TEST(DetailsCommand, SecondPressFromRecord16OnListsOneRecordFurther) {
@@ -92,6 +98,9 @@ TEST(DetailsCommand, SecondPressFromRecord16OnListsOneRecordFurther) {
   DetailsCommand(*f.ctx);
   EXPECT_EQ(f.ctx->stream.details_mode, 0);
   EXPECT_EQ(f.ctx->open.page_end, 21u);
+  ASSERT_EQ(f.lines().size(), 16u);
+  EXPECT_EQ(f.lines().front().substr(0, 6), "000005");
+  EXPECT_EQ(f.lines().back().substr(0, 6), "000020");
 
   ShowLines(*f.ctx, {"000016 a"}, 0);
   DetailsCommand(*f.ctx);
@@ -132,6 +141,32 @@ TEST(DetailsCommand, IfoLineOfAnAbsentTableShowsNothing) {
   EXPECT_EQ(f.ctx->open.page_end, 16u);  // an IFO line is not read as a record number
 }
 
+TEST(DetailsCommand, IfoHeadingLineTogglesBetweenTableAndOverview) {
+  Fixture f;
+  f.OpenBytes("VTS_01_0.IFO",
+              test::ReadFileBytes(std::string(TARVEX_SAMPLES_DIR) + "/disc/VIDEO_TS/VTS_01_0.IFO"),
+              kFileIfo);
+  ShowIfoOverview(*f.ctx);
+  const std::vector<std::string> overview = f.lines();
+  std::size_t heading = overview.size();
+  for (std::size_t i = 0; i < overview.size(); ++i) {
+    if (overview[i].rfind("VTSI_MAT", 0) == 0) {
+      heading = i;
+      break;
+    }
+  }
+  ASSERT_LT(heading, overview.size());
+  f.ctx->report.Select(heading);
+  f.ctx->open.page_end = 16;
+  DetailsCommand(*f.ctx);
+  EXPECT_EQ(f.ctx->stream.details_mode, 1);
+  EXPECT_NE(f.lines(), overview);
+  DetailsCommand(*f.ctx);
+  EXPECT_EQ(f.ctx->stream.details_mode, 0);
+  EXPECT_EQ(f.ctx->open.page_end, 0u);
+  EXPECT_EQ(f.lines(), overview);
+}
+
 // ---- HEX and Clear ----
 
 TEST(HexCommand, DoesNothingWhileDetailsAreShown) {
@@ -144,6 +179,17 @@ TEST(HexCommand, DoesNothingWhileDetailsAreShown) {
   EXPECT_EQ(f.ctx->stream.hex_mode, 0);
   EXPECT_EQ(f.ctx->open.page_end, 5u);
   EXPECT_EQ(f.lines(), std::vector<std::string>{"000005 x"});
+}
+
+TEST(HexCommand, ShowsTheHexViewOfTheSelectedRecord) {
+  Fixture f;
+  f.OpenBytes("a.vob", MakeVob(20), kFileVob);
+  ShowLines(*f.ctx, {"000004 a", "000005 b"}, 1);
+  HexCommand(*f.ctx);
+  EXPECT_EQ(f.ctx->stream.hex_mode, 1);
+  EXPECT_EQ(f.ctx->open.page_end, 5u);
+  ASSERT_FALSE(f.lines().empty());
+  EXPECT_EQ(f.lines().front(), "Hex display of record 5 at file address 10240");
 }
 
 TEST(ClearCommand, EmptiesTheListAndChangesNothingElse) {
