@@ -29,19 +29,53 @@ int Run(int argc, char** argv) {
   if (auto status = RunBatchArguments(argc, argv, session)) return *status;
 
   CLI::App app{
-      "tarvex-cli: inspect DVD-Video program streams (VOB, M2P), IFO files and sub-picture "
-      "files (SUP).\nEach command does what the desktop tool does and then prints the report "
-      "list to standard output; message boxes go to standard error as \"caption: text\".\n"
-      "Exit status: 0 no message box shown, 1 at least one message box shown, 2 usage error."};
-  app.set_version_flag("--version", std::string("tarvex-cli ") + TARVEX_VERSION);
+      "tarvex-cli: inspect DVD-Video files without a window.\n"
+      "\n"
+      "Works on program streams (*.VOB, *.M2P), IFO files (*.IFO) and sub-picture files\n"
+      "(*.SUP), with the same analysis as the desktop tool. Each command does what the\n"
+      "desktop command of the same name does, then prints the report list as it stands\n"
+      "afterwards to standard output, one line per report line. Message boxes go to\n"
+      "standard error, one line each, as \"caption: text\".\n"
+      "\n"
+      "A FILE argument stands for the file the open chooser would return (a relative path\n"
+      "is made absolute). Opening remembers the file's folder in the suite configuration\n"
+      "file $XDG_CONFIG_HOME/ambrix/ambrix.ini (default ~/.config/ambrix/ambrix.ini),\n"
+      "section kelvane, key kvln_path, as the desktop tool does. When a file cannot be\n"
+      "opened (\"Can not open ...\") the command stops there; after a warning about an\n"
+      "unknown file type or an illegal VOB length it goes on.\n",
+      "tarvex-cli"};
+  app.set_version_flag("--version", std::string("tarvex-cli ") + TARVEX_VERSION,
+                       "Print the version and exit");
+  app.set_help_flag("-h,--help", "Print this help and exit");
   app.require_subcommand(1);
   app.fallthrough();
   bool yes = false, no = false;
-  auto* yes_opt = app.add_flag("--yes", yes, "Answer Yes to every Yes/No question");
+  auto* yes_opt =
+      app.add_flag("--yes", yes, "Answer Yes to every Yes/No question (overwrite, continue)");
   app.add_flag("--no", no, "Answer No to every Yes/No question")->excludes(yes_opt);
   app.footer(
-      "Also: tarvex-cli -asm=SOURCE -obj=OUTPUT assembles SOURCE (*.INI) into OUTPUT (*.IFO) "
-      "as the desktop tool's batch arguments do.");
+      "Run \"tarvex-cli COMMAND --help\" for the arguments and details of a command.\n"
+      "Global options may stand before or after the command.\n"
+      "\n"
+      "Without --yes or --no a question is asked on the terminal when standard input is\n"
+      "one, and answered No otherwise. A chooser the arguments do not answer counts as\n"
+      "cancelled.\n"
+      "\n"
+      "Batch assembly, as the desktop tool's own arguments:\n"
+      "  tarvex-cli -asm=SOURCE -obj=OUTPUT   assemble the IFO source SOURCE (*.INI) into\n"
+      "                                       the IFO file OUTPUT (both arguments exactly\n"
+      "                                       once; any other count is a usage error)\n"
+      "\n"
+      "Exit status:\n"
+      "  0  the command ran and showed no message box\n"
+      "  1  the command ran and showed at least one message box (error, warning or\n"
+      "     question); a file that cannot be opened counts here\n"
+      "  2  usage error: unknown command or option, missing argument, bad number\n"
+      "\n"
+      "Examples:\n"
+      "  tarvex-cli open VIDEO_TS/VTS_01_1.VOB\n"
+      "  tarvex-cli list VIDEO_TS/VTS_01_1.VOB 32 48\n"
+      "  tarvex-cli details VIDEO_TS/VTS_01_1.VOB 0");
 
   AddStreamCommands(app, session);
   AddExtractCommands(app, session);

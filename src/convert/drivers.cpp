@@ -90,8 +90,7 @@ bool AssembleInto(AppContext& ctx) {
                        "File system error!");
     return false;
   }
-  out.Close();
-  out = File::OpenReadWrite(ctx.convert.output_path);
+  // The created handle is already open for reading and writing; it serves as the reopened one.
 
   std::string name = NamePart(ctx.convert.source_path);
   if (StartsWithIgnoringCase(name, "vts")) {

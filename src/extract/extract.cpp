@@ -1,6 +1,7 @@
 #include "extract/extract.h"
 
 #include <array>
+#include <cstring>
 #include <optional>
 #include <string>
 #include <utility>
@@ -123,13 +124,18 @@ std::array<std::uint8_t, 44> WavHeader(const LpcmParameters& lpcm) {
 // swapped in the record itself. With an odd length the last byte pairs with the byte after
 // the payload; a partner outside the record reads as 0 and is not written.
 void SwapPairs(std::span<std::uint8_t> record, ByteRange range) {
-  for (std::size_t i = 0; i < range.size; i += 2) {
-    std::size_t a = range.offset + i;
-    std::size_t b = a + 1;
-    std::uint8_t first = record[a];
-    record[a] = b < record.size() ? record[b] : 0;
-    if (b < record.size()) record[b] = first;
+  if (range.offset >= record.size()) return;
+  std::uint8_t* p = record.data() + range.offset;
+  std::size_t available = record.size() - range.offset;  // bytes from the payload to the end
+  std::size_t n = range.size < available ? range.size : available;
+  std::size_t whole = n + (n & 1) <= available ? n + (n & 1) : n - (n & 1);  // pairs inside
+  for (std::size_t i = 0; i < whole; i += 2) {
+    std::uint16_t pair;
+    std::memcpy(&pair, p + i, 2);
+    pair = static_cast<std::uint16_t>((pair << 8) | (pair >> 8));
+    std::memcpy(p + i, &pair, 2);
   }
+  if (whole < n) p[n - 1] = 0;  // its partner lies outside the record
 }
 
 }  // namespace

@@ -99,6 +99,11 @@ std::uint32_t SectorsFor(std::uint32_t bytes) {
   return (bytes >> 11) + ((bytes & 0x7FF) != 0 ? 1 : 0);
 }
 
+std::uint32_t TableEndAddress(std::uint32_t header_bytes, std::uint32_t entries,
+                              std::uint32_t entry_bytes) {
+  return header_bytes + entries * entry_bytes - 1;
+}
+
 std::vector<std::uint8_t> ReadFileBlock(File& file, std::int64_t pos, std::size_t n) {
   std::vector<std::uint8_t> block(n, 0);
   if (n == 0 || !file.is_open()) return block;

@@ -42,6 +42,9 @@ std::uint32_t ParseDecimal(std::string_view text);
 void PadToSector(File& file);
 // Sectors needed for a size in bytes (rounded up).
 std::uint32_t SectorsFor(std::uint32_t bytes);
+// End address of a table: its size in bytes minus 1.
+std::uint32_t TableEndAddress(std::uint32_t header_bytes, std::uint32_t entries,
+                              std::uint32_t entry_bytes);
 
 // Reads n bytes of the file at pos; bytes beyond the end of the file read 0.
 std::vector<std::uint8_t> ReadFileBlock(File& file, std::int64_t pos, std::size_t n);

@@ -263,6 +263,16 @@ void DisassembleTitleSet(AppContext& ctx) {
   DisassembleFields(ctx, ByteView(ctx.ifo.vtsi_mat.record), kVtsiMat, kSection);
 }
 
+std::array<std::uint32_t, 8> LayOutTitleSetTables(const std::array<std::uint32_t, 8>& sectors) {
+  std::array<std::uint32_t, 8> starts{};
+  std::uint32_t next = 1;
+  for (std::size_t k = 0; k < sectors.size(); ++k) {
+    starts[k] = sectors[k] != 0 ? next : 0;
+    next += sectors[k];
+  }
+  return starts;
+}
+
 void AssembleTitleSet(AppContext& ctx, File& out, const std::string& output_path) {
   std::size_t sep = LastSeparator(output_path);
   std::string name = sep == std::string::npos ? output_path : output_path.substr(sep + 1);
@@ -284,11 +294,15 @@ void AssembleTitleSet(AppContext& ctx, File& out, const std::string& output_path
   }
   LoadFields(ctx, w, ByteView(record), kVtsiMat, kSection, kMissingCaption);
 
+  std::array<std::uint32_t, 8> sizes{};
+  for (std::size_t k = 0; k < kFollowingTables.size(); ++k) {
+    sizes[k] = MeasureTable(ctx, kFollowingTables[k].id).sectors;
+  }
+  std::array<std::uint32_t, 8> starts = LayOutTitleSetTables(sizes);
   std::uint32_t sectors = 0;
-  for (const FollowingTable& table : kFollowingTables) {
-    TableSize size = MeasureTable(ctx, table.id);
-    w.put_be32(table.start_sector_at, size.sectors != 0 ? 1 + sectors : 0);
-    sectors += size.sectors;
+  for (std::size_t k = 0; k < kFollowingTables.size(); ++k) {
+    w.put_be32(kFollowingTables[k].start_sector_at, starts[k]);
+    sectors += sizes[k];
   }
   std::uint32_t vtsi_ea = sectors;
   w.put_be32(0x01C, vtsi_ea);

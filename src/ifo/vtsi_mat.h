@@ -2,6 +2,7 @@
 // and the assembly of a whole title set IFO with the size checks of its VOB files.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 
@@ -32,6 +33,9 @@ std::uint32_t TitleSetStartSector(const AppContext& ctx, std::size_t offset);
 void ReportTitleSet(AppContext& ctx);
 // Section "vtsi_mat"; deletes an existing IfoSource first.
 void DisassembleTitleSet(AppContext& ctx);
+// Start sectors of the eight tables after VTSI_MAT (in file order) from their sizes in
+// sectors: a table of size 0 starts at 0, table k at 1 + the sizes before it.
+std::array<std::uint32_t, 8> LayOutTitleSetTables(const std::array<std::uint32_t, 8>& sectors);
 // Builds and writes a whole title set IFO from the IfoSource into out.
 void AssembleTitleSet(AppContext& ctx, File& out, const std::string& output_path);
 

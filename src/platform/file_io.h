@@ -17,8 +17,8 @@ class File {
   File(const File&) = delete;
   File& operator=(const File&) = delete;
 
-  // Opens an existing regular file read-only (binary). A directory or an unreadable file
-  // gives a closed File.
+  // Opens an existing regular file read-only (binary). A directory, a FIFO, a device or an
+  // unreadable file gives a closed File (and opening never blocks).
   static File OpenRead(const std::string& path);
   // Opens an existing file for reading and writing (binary).
   static File OpenReadWrite(const std::string& path);

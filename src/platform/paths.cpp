@@ -32,7 +32,10 @@ std::string HomeDirectory() {
 
 std::string ConfigFilePath() {
   const char* xdg = std::getenv("XDG_CONFIG_HOME");
-  std::string base = xdg && *xdg ? xdg : HomeDirectory() + "/.config";
+  std::string base = xdg && *xdg ? std::string(xdg) : HomeDirectory();
+  while (base.size() > 1 && base.back() == kPathSeparator) base.pop_back();
+  if (base == "/") base.clear();
+  if (!(xdg && *xdg)) base += "/.config";
   return base + "/ambrix/ambrix.ini";
 }
 

@@ -1,7 +1,7 @@
 #include "stream/hex_view.h"
 
 #include <array>
-#include <cctype>
+#include <string>
 
 #include "platform/format.h"
 
@@ -20,10 +20,18 @@ void ShowRecordHex(AppContext& ctx, bool append) {
   if (!append) ctx.ClearReportList();
   ctx.AddReportLine(Format("Hex display of record %ld at file address %ld", {record, address}));
   ctx.AddReportLine(" ");
+  // Each row is "%04d -> " and "%02x " per byte, the whole text then upper-cased; the digits
+  // are written here directly in upper case, which gives the same text.
+  static constexpr char kHexDigits[] = "0123456789ABCDEF";
+  std::string line;
   for (std::uint32_t row = 0; row < RECORD_SIZE / 16; ++row) {
-    std::string line = Format("%04d -> ", {row * 16});
-    for (std::uint32_t i = 0; i < 16; ++i) AppendFormat(line, "%02x ", {buf[row * 16 + i]});
-    for (char& c : line) c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
+    line = Format("%04d -> ", {row * 16});
+    for (std::uint32_t i = 0; i < 16; ++i) {
+      const std::uint8_t byte = buf[row * 16 + i];
+      line += kHexDigits[byte >> 4];
+      line += kHexDigits[byte & 15];
+      line += ' ';
+    }
     ctx.AddReportLine(line);
   }
 }

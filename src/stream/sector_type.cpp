@@ -1,7 +1,5 @@
 #include "stream/sector_type.h"
 
-#include <cstring>
-
 namespace tarvex {
 
 namespace {
@@ -149,17 +147,18 @@ void scan_video_headers(ByteView buf, VideoScan& scan) {
     }
     return;
   }
-  // The same scan, visiting only the positions whose third byte is 0x01 (this runs for every
-  // video record of a listing, so it must be quick).
+  // The same scan, skipping positions that cannot hold 00 00 01 (this runs for every video
+  // record of a listing, so it must be quick). With b the third byte at position i: b > 1
+  // rules out i, i+1 and i+2; b = 0 rules out i only; b = 1 rules out i+1 and i+2.
   const std::uint8_t* d = buf.data();
-  const std::uint8_t* const last = d + kVideoScanLast + 2;  // third byte of the last position
-  const std::uint8_t* p = d + 2;
-  while (p <= last) {
-    const void* hit = std::memchr(p, 0x01, static_cast<std::size_t>(last - p) + 1);
-    if (hit == nullptr) return;
-    const std::uint8_t* one = static_cast<const std::uint8_t*>(hit);
-    std::size_t i = static_cast<std::size_t>(one - d) - 2;
-    if (d[i] == 0 && d[i + 1] == 0) {
+  std::size_t i = 0;
+  while (i <= kVideoScanLast) {
+    const std::uint8_t b = d[i + 2];
+    if (b == 0) {
+      i += 1;
+      continue;
+    }
+    if (b == 1 && d[i] == 0 && d[i + 1] == 0) {
       if (d[i + 3] == 0xB8) {
         NoteGroupOfPictures(buf, i, scan);
       } else if (d[i + 3] == 0x00) {
@@ -167,7 +166,7 @@ void scan_video_headers(ByteView buf, VideoScan& scan) {
         return;
       }
     }
-    p = one + 1;
+    i += 3;
   }
 }
 

@@ -224,6 +224,40 @@ TEST_F(OpenFileTest, VobOf2049BytesGetsLengthMessageAndOneRecord) {
   EXPECT_TRUE(ctx().open.file_handle.is_open());
 }
 
+// Records whose first four bytes are 00 00 01 (0xE0 + r): every line of the listing names its
+// record's code ("Illegal pack_start_code 1e0", "... 1e1" ...).
+std::vector<std::uint8_t> NumberedRecords(std::size_t records, std::size_t extra_bytes = 0) {
+  std::vector<std::uint8_t> bytes(records * 2048 + extra_bytes, 0);
+  for (std::size_t r = 0; r < records; ++r) {
+    bytes[r * 2048 + 2] = 0x01;
+    bytes[r * 2048 + 3] = static_cast<std::uint8_t>(0xE0 + r);
+  }
+  return bytes;
+}
+
+TEST_F(OpenFileTest, VobListsItsFirstPageOfSixteenRecords) {
+  std::string path = f.dir.file("twenty.vob");
+  test::WriteFileBytes(path, NumberedRecords(20));
+  Open(path);
+  ASSERT_EQ(ctx().report.size(), 16u);
+  EXPECT_EQ(ctx().report.line(0), "000000Illegal pack_start_code 1e0");
+  EXPECT_EQ(ctx().report.line(15), "000015Illegal pack_start_code 1ef");
+  EXPECT_EQ(ctx().stream.scroll_range, 1u);
+}
+
+TEST_F(OpenFileTest, VobOf2049BytesListsRecordsZeroAndOne) {
+  std::string path = f.dir.file("short.vob");
+  std::vector<std::uint8_t> bytes = NumberedRecords(1, 1);
+  bytes[2048] = 0x77;  // the one byte of record 1
+  test::WriteFileBytes(path, bytes);
+  Open(path);
+  EXPECT_EQ(ctx().open.record_count, 1u);
+  // Record 1 comes from a short read: its one byte over the rest of record 0.
+  ASSERT_EQ(ctx().report.size(), 2u);
+  EXPECT_EQ(ctx().report.line(0), "000000Illegal pack_start_code 1e0");
+  EXPECT_EQ(ctx().report.line(1), "000001Illegal pack_start_code 770001e0");
+}
+
 TEST_F(OpenFileTest, EmptyVobHasNoRecordsAndNoMessage) {
   Open(Make("empty.vob", 0));
   EXPECT_TRUE(Messages().empty());

@@ -96,6 +96,26 @@ TEST(PathsTest, ConfigFileUnderXdgConfigHome) {
   }
 }
 
+TEST(PathsTest, ConfigFileWithoutDoubledSeparators) {
+  const char* old_xdg = std::getenv("XDG_CONFIG_HOME");
+  std::string saved_xdg = old_xdg ? old_xdg : "";
+  const char* old_home = std::getenv("HOME");
+  std::string saved_home = old_home ? old_home : "";
+  ::setenv("XDG_CONFIG_HOME", "/tmp/cfg/", 1);
+  EXPECT_EQ(ConfigFilePath(), "/tmp/cfg/ambrix/ambrix.ini");
+  ::unsetenv("XDG_CONFIG_HOME");
+  ::unsetenv("HOME");
+  EXPECT_EQ(ConfigFilePath(), "/.config/ambrix/ambrix.ini");
+  ::setenv("HOME", "/home/u/", 1);
+  EXPECT_EQ(ConfigFilePath(), "/home/u/.config/ambrix/ambrix.ini");
+  if (old_xdg) ::setenv("XDG_CONFIG_HOME", saved_xdg.c_str(), 1);
+  if (old_home) {
+    ::setenv("HOME", saved_home.c_str(), 1);
+  } else {
+    ::unsetenv("HOME");
+  }
+}
+
 TEST(PathsTest, HomeDirectoryFallsBackToRoot) {
   const char* old = std::getenv("HOME");
   std::string saved = old ? old : "";

@@ -6,7 +6,6 @@
 #include <filesystem>
 
 #include "platform/file_io.h"
-#include "platform/format.h"
 #include "platform/paths.h"
 #include "support/test_support.h"
 
@@ -443,11 +442,12 @@ TEST_F(ProfileTest, HundredThousandKeysWrittenAndReadBack) {
   constexpr int kKeys = 100000;
   std::vector<std::string> sections, upper_sections, keys, upper_keys, values;
   for (int i = 0; i < kKeys; ++i) {
-    sections.push_back(Format("sec%02d", {i % 7}));
-    upper_sections.push_back(Format("SEC%02d", {i % 7}));
-    keys.push_back(Format("vobu_sa%06d", {i}));
-    upper_keys.push_back(Format("VOBU_SA%06d", {i}));
-    values.push_back(Format("%d", {i * 3}));
+    std::string number = std::to_string(1000000 + i).substr(1);  // six digits
+    sections.push_back("sec0" + std::to_string(i % 7));
+    upper_sections.push_back("SEC0" + std::to_string(i % 7));
+    keys.push_back("vobu_sa" + number);
+    upper_keys.push_back("VOBU_SA" + number);
+    values.push_back(std::to_string(i * 3));
   }
   for (int i = 0; i < kKeys; ++i) store.WriteString(ini, sections[i], keys[i], values[i]);
   store.Flush();

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "app/open_file.h"
 #include "support/test_support.h"
 
 namespace tarvex {
@@ -341,6 +342,33 @@ TEST(ListPage, LargeRangeMatchesPageByPageListing) {
   EXPECT_EQ(whole.front(), "000000 SCR 0.000");
   EXPECT_EQ(whole[1], "000001 Video  SCR 0.000 PTS 90000");
   EXPECT_EQ(whole[2], " -> Video: Frame number 5 Frame type 1");
+}
+
+// Through the Open command: the first page of a 2049-byte VOB holds records 0 and 1.
+TEST(ListPage, OpeningA2049ByteVobListsRecordsZeroAndOne) {
+  Fixture f;
+  std::vector<std::uint8_t> bytes = MakePaddingPack(1000);
+  bytes.push_back(0x00);
+  std::string path = f.dir.file("short.vob");
+  test::WriteFileBytes(path, bytes);
+  f.ctx->open.file_path = path;
+  open_selected_file(*f.ctx);
+  EXPECT_EQ(f.ctx->open.record_count, 1u);
+  EXPECT_EQ(f.lines(), (std::vector<std::string>{"000000 SCR 1000.000", "000001 SCR 1000.000"}));
+}
+
+TEST(ListPage, OpeningASeventeenRecordVobThenLineDown) {
+  Fixture f;
+  std::string path = f.dir.file("seventeen.vob");
+  test::WriteFileBytes(path, PaddingStream(17));
+  f.ctx->open.file_path = path;
+  open_selected_file(*f.ctx);
+  EXPECT_EQ(f.lines(), PaddingPage(0, 16));
+  ScrollLineDown(*f.ctx, f.ctx->open.scroll_page);
+  EXPECT_EQ(f.lines(), PaddingPage(1, 17));
+  ScrollLineDown(*f.ctx, f.ctx->open.scroll_page);
+  EXPECT_EQ(f.ctx->open.page_end, 17u);
+  EXPECT_EQ(f.lines(), PaddingPage(1, 17));
 }
 
 // Paging ---------------------------------------------------------------------------------

@@ -2,6 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <random>
+#include <vector>
+
 #include "support/test_support.h"
 
 namespace tarvex {
@@ -74,6 +77,70 @@ TEST(SectorType, DecodePtsDropsBit32) {
   test::Record r(2048, 0);
   test::PutTimeStamp(r, 23, 0x2, (1ull << 32) + 12345);
   EXPECT_EQ(DecodePts(ByteView(r).sub(23)), 12345u);
+}
+
+}  // namespace
+}  // namespace tarvex
+
+namespace tarvex {
+namespace {
+
+// The scan as written out plainly: every position 0..2044, start code read big-endian.
+VideoScan ReferenceScan(const std::vector<std::uint8_t>& buf) {
+  VideoScan scan;
+  ByteView v(buf);
+  for (std::size_t i = 0; i <= 2044; ++i) {
+    std::uint32_t w = v.be32(i);
+    if (w == 0x1B8) {
+      scan.gop_found = 1;
+      scan.gop_position = static_cast<std::int32_t>(i);
+    } else if (w == 0x100) {
+      scan.frame_type = (v.u8(i + 5) & 0x38) >> 3;
+      scan.frame_number = static_cast<std::int32_t>(static_cast<std::uint32_t>(v.s8(i + 4)) << 2) |
+                          ((v.u8(i + 5) & 0xC0) >> 6);
+      break;
+    }
+  }
+  return scan;
+}
+
+TEST(ScanVideoHeaders, QuickScanFindsWhatEveryPositionScanFinds) {
+  std::mt19937 rng(7);
+  // Bytes drawn mostly from 00, 01, 00 and B8 so that start codes and near misses abound.
+  const std::uint8_t alphabet[] = {0x00, 0x00, 0x00, 0x01, 0xB8, 0x00, 0x37, 0xFF};
+  for (int round = 0; round < 3000; ++round) {
+    std::vector<std::uint8_t> buf(4096);
+    for (auto& b : buf) b = alphabet[rng() % 8];
+    if (round % 2 == 0) {  // keep pictures rare in half the rounds, so GOPs are seen late
+      for (std::size_t i = 3; i < buf.size(); ++i) {
+        if (buf[i] == 0x00 && buf[i - 1] == 0x01) buf[i] = 0x37;
+      }
+    }
+    VideoScan quick;
+    scan_video_headers(buf, quick);
+    VideoScan reference = ReferenceScan(buf);
+    ASSERT_EQ(quick.frame_number, reference.frame_number) << round;
+    ASSERT_EQ(quick.frame_type, reference.frame_type) << round;
+    ASSERT_EQ(quick.gop_found, reference.gop_found) << round;
+    ASSERT_EQ(quick.gop_position, reference.gop_position) << round;
+  }
+}
+
+TEST(ScanVideoHeaders, ShortBufferReadsZerosBeyondItsEnd) {
+  std::vector<std::uint8_t> buf = {0x00, 0x00, 0x01, 0x00};
+  VideoScan scan;
+  scan_video_headers(buf, scan);
+  EXPECT_EQ(scan.frame_number, 0);
+  EXPECT_EQ(scan.frame_type, 0);
+}
+
+TEST(ScanVideoHeaders, NothingFoundKeepsMinusOne) {
+  std::vector<std::uint8_t> buf(4096, 0);
+  VideoScan scan;
+  scan_video_headers(buf, scan);
+  EXPECT_EQ(scan.frame_number, -1);
+  EXPECT_EQ(scan.frame_type, -1);
+  EXPECT_EQ(scan.gop_found, -1);
 }
 
 }  // namespace

@@ -1,0 +1,94 @@
+#!/usr/bin/env bash
+# Extraction throughput: builds a stream of at least 1 GB by repeating a title VOB in a
+# temporary folder, then times, in the same run,
+#   - tarvex-cli extract --audio --video (every audio stream and the video, into files),
+#   - cp FILE COPY                        (reads and writes the same number of bytes),
+#   - cat FILE > /dev/null                (reading alone),
+#   - ffmpeg -i FILE -map 0:v -map 0:a -c copy (the video and every audio stream into files),
+# and reports wall time, throughput and peak memory (maximum resident set) of each.
+# Goals: extraction within 1.5 x cp's time, faster than ffmpeg, peak memory under 16 MB.
+#
+# Usage: bench/extract_bench.sh [VOB] [MIN_MB]
+#   VOB     default samples/disc/VIDEO_TS/VTS_01_1.VOB
+#   MIN_MB  size of the repeated stream, default 1024
+# Environment: TARVEX_CLI (default build/tarvex-cli), BENCH_TMP (default $TMPDIR or /tmp),
+#   BENCH_KEEP=1 keeps the temporary folder.
+set -euo pipefail
+
+here=$(cd "$(dirname "$0")/.." && pwd)
+vob=${1:-$here/samples/disc/VIDEO_TS/VTS_01_1.VOB}
+min_mb=${2:-1024}
+cli=${TARVEX_CLI:-$here/build/tarvex-cli}
+
+for tool in "$cli" ffmpeg /usr/bin/time; do
+  command -v "$tool" >/dev/null || { echo "missing $tool" >&2; exit 1; }
+done
+[ -f "$vob" ] || { echo "missing $vob" >&2; exit 1; }
+
+work=$(mktemp -d "${BENCH_TMP:-${TMPDIR:-/tmp}}/tarvex-bench.XXXXXX")
+[ "${BENCH_KEEP:-0}" = 1 ] || trap 'rm -rf "$work"' EXIT
+
+# ---- the stream: whole copies of the VOB until it reaches MIN_MB -------------------------
+big=$work/stream.vob
+vob_bytes=$(stat -c %s "$vob")
+copies=$(( (min_mb * 1024 * 1024 + vob_bytes - 1) / vob_bytes ))
+for ((i = 0; i < copies; i++)); do cat "$vob"; done > "$big"
+bytes=$(stat -c %s "$big")
+echo "stream: $copies x $(basename "$vob") = $bytes bytes"
+cat "$big" > /dev/null  # warm the page cache so every contender starts alike
+
+# ---- timing helper: NAME then the command; prints seconds, MB/s and peak RSS ------------
+results=()
+run() {
+  local name=$1; shift
+  local log=$work/$name.time
+  sync
+  /usr/bin/time -v -o "$log" "$@" > "$work/$name.out" 2> "$work/$name.err" ||
+    { echo "$name failed:" >&2; cat "$work/$name.err" >&2; exit 1; }
+  local wall rss secs
+  wall=$(sed -n 's/.*Elapsed (wall clock) time (h:mm:ss or m:ss): //p' "$log")
+  rss=$(sed -n 's/.*Maximum resident set size (kbytes): //p' "$log")
+  secs=$(awk -v t="$wall" 'BEGIN { n = split(t, p, ":"); s = 0;
+                                   for (i = 1; i <= n; i++) s = s * 60 + p[i]; print s }')
+  printf '%-10s %8.2f s %9.1f MB/s %8.1f MB peak\n' "$name" "$secs" \
+    "$(awk -v b="$bytes" -v s="$secs" 'BEGIN { print (s > 0 ? b / 1048576 / s : 0) }')" \
+    "$(awk -v k="$rss" 'BEGIN { print k / 1024 }')"
+  results+=("$name $secs $rss")
+}
+
+mkdir -p "$work/tarvex" "$work/ffmpeg"
+run tarvex "$cli" extract "$big" --audio --video --dir "$work/tarvex" \
+  --video-out "$work/tarvex/stream.M2V"
+rm -f "$work/COPY"
+run cp cp "$big" "$work/COPY"
+rm -f "$work/COPY"
+run cat sh -c 'cat "$1" > /dev/null' sh "$big"
+# ffmpeg: the video into an M2V and each audio stream into its own file, as extracted.
+ffargs=(-nostdin -v error -y -i "$big" -map 0:v -c copy -f mpeg2video "$work/ffmpeg/stream.m2v")
+audio=0
+while read -r codec; do
+  case $codec in
+    ac3) ext=ac3 fmt=ac3 ;;
+    pcm_dvd) ext=wav fmt=wav ;;
+    mp2|mp1|mp3) ext=mpa fmt=mp2 ;;
+    *) ext=bin fmt=data ;;
+  esac
+  if [ "$fmt" = wav ]; then
+    ffargs+=(-map "0:a:$audio" -c pcm_s16le -f wav "$work/ffmpeg/audio$audio.$ext")
+  else
+    ffargs+=(-map "0:a:$audio" -c copy -f "$fmt" "$work/ffmpeg/audio$audio.$ext")
+  fi
+  audio=$((audio + 1))
+done < <(ffprobe -v error -select_streams a -show_entries stream=codec_name -of csv=p=0 "$vob")
+run ffmpeg ffmpeg "${ffargs[@]}"
+
+echo
+echo "output: tarvex $(du -sb "$work/tarvex" | cut -f1) bytes, ffmpeg $(du -sb "$work/ffmpeg" | cut -f1) bytes"
+awk -v r="${results[*]}" 'BEGIN {
+  n = split(r, f, " ");
+  for (i = 1; i <= n; i += 3) { t[f[i]] = f[i + 1]; m[f[i]] = f[i + 2] }
+  printf "tarvex / cp     = %.2f (goal <= 1.5)\n", t["tarvex"] / t["cp"];
+  printf "tarvex / cat    = %.2f\n", t["tarvex"] / t["cat"];
+  printf "tarvex / ffmpeg = %.2f (goal < 1)\n", t["tarvex"] / t["ffmpeg"];
+  printf "tarvex peak     = %.1f MB (goal < 16)\n", m["tarvex"] / 1024;
+}'

@@ -1,0 +1,26 @@
+// Synthetic IFO images and program chains for the IFO tests.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+namespace tarvex::test {
+
+// A program chain of 318 bytes: 2 programs, 2 cells, one pre and one post command, a program
+// map, cell playback and cell position tables (values listed in ifo_images.cpp).
+std::vector<std::uint8_t> MakeSamplePgc();
+
+// A VIDEO_TS.IFO image of one sector (two with a first-play chain): identifier, version 1.1,
+// category 0x00010000, volumes 1/1 side 0, 1 title set, provider "TARVEX", the first-play
+// chain (when given) at byte 1024, and the given start sectors (all 0 by default).
+std::vector<std::uint8_t> MakeVmgImage(const std::vector<std::uint8_t>& first_play = {});
+
+// A VTS_01_0.IFO image of one sector: identifier, version 1.1, category 0, one title audio
+// stream and one sub-picture stream, no tables.
+std::vector<std::uint8_t> MakeVtsImage();
+
+// Writes text to path (an IfoSource), LF line ends.
+void WriteText(const std::string& path, const std::string& text);
+
+}  // namespace tarvex::test
