@@ -1,10 +1,11 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages a job needs, when any of them is missing.
-# Usage: tools/install-deps.sh GROUP...   (groups: build, test, sample, ci, gui)
+# Usage: tools/install-deps.sh GROUP...   (groups: build, test, gui, bench, sample, ci)
 #   build   compiler, CMake, Ninja, CLI11                 (tarvex-cli)
 #   test    build + GoogleTest                            (tools/test.sh)
 #   sample  ffmpeg, dvdauthor, lsdvd, python3             (tools/make-sample-disc.sh)
 #   gui     Qt 6 Widgets                                  (the desktop tool)
+#   bench   Google Benchmark                              (bench/)
 #   ci      all of the above + clang-14 for the fuzz harnesses, Google Benchmark
 # Runs apt-get through sudo unless already root. Does nothing when all is present.
 set -euo pipefail
@@ -16,6 +17,7 @@ for group in "$@"; do
     test) packages+=(cmake ninja-build g++ libcli11-dev libgtest-dev libgmock-dev) ;;
     sample) packages+=(ffmpeg dvdauthor lsdvd python3) ;;
     gui) packages+=(qt6-base-dev) ;;
+    bench) packages+=(libbenchmark-dev) ;;
     ci) packages+=(cmake ninja-build g++ libcli11-dev libgtest-dev libgmock-dev
                    clang-14 libclang-rt-14-dev libbenchmark-dev
                    ffmpeg dvdauthor lsdvd qt6-base-dev) ;;

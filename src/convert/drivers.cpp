@@ -160,9 +160,7 @@ void DisassembleIfo(AppContext& ctx) {
 }
 
 void AssembleInteractive(AppContext& ctx) {
-  if (ctx.convert.assemble_dir.empty()) {
-    ctx.convert.assemble_dir = read_last_path(ctx, HomeDirectory(), "kvln_path");
-  }
+  ctx.convert.assemble_dir = read_last_path(ctx, HomeDirectory(), "kvln_path");
   ChooserRequest source_request;
   source_request.purpose = ChooserPurpose::kAssemblySource;
   source_request.filter = kSourceFilter;

@@ -223,7 +223,7 @@ void MainWindow::paintEvent(QPaintEvent*) {
   if (!first_paint_posted_) {
     first_paint_posted_ = true;
     QMetaObject::invokeMethod(
-        this, [this] { RunCommand([this] { FirstPaint(ctx_, window_state_); }); },
+        this, [this] { RunCommand([this] { FirstPaint(ctx_, ctx_.window); }); },
         Qt::QueuedConnection);
   }
 }

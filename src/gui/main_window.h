@@ -6,7 +6,6 @@
 #include <functional>
 
 #include "app/context.h"
-#include "app/window_state.h"
 
 class QListView;
 class QPushButton;
@@ -80,7 +79,6 @@ class MainWindow : public QDialog {
 
   AppContext& ctx_;
   QtUi& ui_;
-  WindowState window_state_;
   bool first_paint_posted_ = false;
   bool syncing_ = false;
   ReportListModel* model_ = nullptr;

@@ -115,6 +115,15 @@ std::vector<std::uint8_t> ReadFileBlock(File& file, std::int64_t pos, std::size_
   return block;
 }
 
+std::optional<std::vector<std::uint8_t>> ReadBoundedBlock(File& file, std::int64_t pos,
+                                                          std::int32_t n) {
+  if (n < 0) return std::nullopt;
+  std::int64_t length = file.Length();
+  std::int64_t available = length > pos ? length - pos : 0;
+  if (n > available) return std::nullopt;
+  return ReadFileBlock(file, pos, static_cast<std::size_t>(n));
+}
+
 void ReportMissingStatement(AppContext& ctx, std::string_view key, std::string_view caption) {
   ctx.ui.ShowMessage(key, caption);
 }

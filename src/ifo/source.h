@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -48,6 +49,12 @@ std::uint32_t TableEndAddress(std::uint32_t header_bytes, std::uint32_t entries,
 
 // Reads n bytes of the file at pos; bytes beyond the end of the file read 0.
 std::vector<std::uint8_t> ReadFileBlock(File& file, std::int64_t pos, std::size_t n);
+
+// A table body whose byte count comes from a 32-bit field: nothing (an allocation failure)
+// when a negative count or more bytes than the file holds from pos on are asked for;
+// otherwise the bytes, read like ReadFileBlock.
+std::optional<std::vector<std::uint8_t>> ReadBoundedBlock(File& file, std::int64_t pos,
+                                                          std::int32_t n);
 
 // Message for a missing statement: text is the key, caption "Statement missing in " + section.
 void ReportMissingStatement(AppContext& ctx, std::string_view key, std::string_view caption);

@@ -1,6 +1,12 @@
 // The table-module interface: every IFO table kind is one module offering the same six
 // operations, and the drivers reach the modules only through the registry below. A module
 // that has nothing to do in one operation leaves it empty (nullptr).
+//
+// Adding a table kind: write src/ifo/<table>.{h,cpp} with a `const TableModule` for its
+// TableId, keep its image and loaded entries in a struct of IfoState (ifo/ifo_state.h), take
+// its start sector from VmgiMatState or TitleSetStartSector, and list the module in
+// registry.cpp. The drivers and the information tables already call every kind in the
+// right order.
 #pragma once
 
 #include <cstdint>

@@ -69,9 +69,15 @@ std::string FindFileIgnoringCase(const std::string& path) {
   struct stat st {};
   if (::lstat(path.c_str(), &st) == 0) return path;
   std::size_t sep = LastSeparator(path);
-  std::string dir = sep == std::string::npos ? std::string(".") : path.substr(0, sep);
+  std::string dir;
+  if (sep == std::string::npos) {
+    dir = ".";
+  } else if (sep == 0) {
+    dir.push_back(kPathSeparator);
+  } else {
+    dir = path.substr(0, sep);
+  }
   std::string name = sep == std::string::npos ? path : path.substr(sep + 1);
-  if (sep != std::string::npos && dir.empty()) dir = "/";
   if (name.empty()) return {};
   DIR* d = ::opendir(dir.c_str());
   if (!d) return {};

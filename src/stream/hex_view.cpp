@@ -1,7 +1,7 @@
 #include "stream/hex_view.h"
 
 #include <array>
-#include <string>
+#include <string_view>
 
 #include "platform/format.h"
 
@@ -23,16 +23,25 @@ void ShowRecordHex(AppContext& ctx, bool append) {
   // Each row is "%04d -> " and "%02x " per byte, the whole text then upper-cased; the digits
   // are written here directly in upper case, which gives the same text.
   static constexpr char kHexDigits[] = "0123456789ABCDEF";
-  std::string line;
+  constexpr std::size_t kPrefix = 8;  // "dddd -> "
+  std::array<char, kPrefix + 16 * 3> row_text{};
   for (std::uint32_t row = 0; row < RECORD_SIZE / 16; ++row) {
-    line = Format("%04d -> ", {row * 16});
+    const std::uint32_t offset = row * 16;  // at most 2032: always four digits
+    row_text[0] = static_cast<char>('0' + offset / 1000);
+    row_text[1] = static_cast<char>('0' + offset / 100 % 10);
+    row_text[2] = static_cast<char>('0' + offset / 10 % 10);
+    row_text[3] = static_cast<char>('0' + offset % 10);
+    row_text[4] = ' ';
+    row_text[5] = '-';
+    row_text[6] = '>';
+    row_text[7] = ' ';
     for (std::uint32_t i = 0; i < 16; ++i) {
-      const std::uint8_t byte = buf[row * 16 + i];
-      line += kHexDigits[byte >> 4];
-      line += kHexDigits[byte & 15];
-      line += ' ';
+      const std::uint8_t byte = buf[offset + i];
+      row_text[kPrefix + i * 3] = kHexDigits[byte >> 4];
+      row_text[kPrefix + i * 3 + 1] = kHexDigits[byte & 15];
+      row_text[kPrefix + i * 3 + 2] = ' ';
     }
-    ctx.AddReportLine(line);
+    ctx.AddReportLine(std::string_view(row_text.data(), row_text.size()));
   }
 }
 

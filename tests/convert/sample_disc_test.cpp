@@ -38,7 +38,7 @@ void PressDetailsOn(Fixture& f, const std::string& prefix) {
   FAIL() << "no line begins with " << prefix;
 }
 
-TEST(SampleDiscTest, VideoManagerOverview) {
+TEST(IfoSampleDiscTest, VideoManagerOverview) {
   if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
   Fixture f;
   OpenSample(f, "VIDEO_TS.IFO");
@@ -48,7 +48,7 @@ TEST(SampleDiscTest, VideoManagerOverview) {
                            "VMGM_VOB: VMG Menu VOB starts at sector address: 6"}));
 }
 
-TEST(SampleDiscTest, TitleSetOverview) {
+TEST(IfoSampleDiscTest, TitleSetOverview) {
   if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
   Fixture f;
   OpenSample(f, "VTS_01_0.IFO");
@@ -59,7 +59,7 @@ TEST(SampleDiscTest, TitleSetOverview) {
                            "VTS_VOB: VTS VOB starts at sector address: 37"}));
 }
 
-TEST(SampleDiscTest, VideoManagerDetails) {
+TEST(IfoSampleDiscTest, VideoManagerDetails) {
   if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
   Fixture f;
   OpenSample(f, "VIDEO_TS.IFO");
@@ -131,7 +131,7 @@ TEST(SampleDiscTest, VideoManagerDetails) {
   }
 }
 
-TEST(SampleDiscTest, TitleSetDetails) {
+TEST(IfoSampleDiscTest, TitleSetDetails) {
   if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
   Fixture f;
   OpenSample(f, "VTS_01_0.IFO");
@@ -204,7 +204,7 @@ RoundTrip RunRoundTrip(const std::string& ifo, const std::string& ini) {
           f.ui.Messages()};
 }
 
-TEST(SampleDiscTest, VideoManagerRoundTrip) {
+TEST(IfoSampleDiscTest, VideoManagerRoundTrip) {
   if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
   RoundTrip rt = RunRoundTrip("VIDEO_TS.IFO", "VIDEO_TS.INI");
   EXPECT_TRUE(rt.messages.empty());
@@ -233,7 +233,7 @@ TEST(SampleDiscTest, VideoManagerRoundTrip) {
   EXPECT_EQ(Differences(rt.original, rt.assembled), expected);
 }
 
-TEST(SampleDiscTest, TitleSetRoundTrip) {
+TEST(IfoSampleDiscTest, TitleSetRoundTrip) {
   if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
   RoundTrip rt = RunRoundTrip("VTS_01_0.IFO", "VTS_01_0.INI");
   EXPECT_TRUE(rt.messages.empty());

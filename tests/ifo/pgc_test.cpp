@@ -370,3 +370,23 @@ TEST(PgcAssembleTest, DecimalValuesAreTruncatedToTheFieldWidth) {
 
 }  // namespace
 }  // namespace tarvex
+
+namespace tarvex {
+namespace {
+
+TEST(PgcReportTest, ReportAndDisassemblyOfTheSameBytesNeverAccumulateConversions) {
+  test::Fixture f;
+  f.ctx->convert.source_path = f.dir.file("VIDEO_TS.INI");
+  std::vector<std::uint8_t> pgc = test::MakeSamplePgc();
+  const std::vector<std::uint8_t> before = pgc;
+  pgc_report(*f.ctx, 0, ByteView(pgc), 0);
+  std::vector<std::string> first = f.lines();
+  pgc_disassemble(*f.ctx, ByteView(pgc), 0, "pgc_", "fp_pgci");
+  f.ctx->ClearReportList();
+  pgc_report(*f.ctx, 0, ByteView(pgc), 0);
+  EXPECT_EQ(f.lines(), first);
+  EXPECT_EQ(pgc, before);
+}
+
+}  // namespace
+}  // namespace tarvex

@@ -164,3 +164,23 @@ TEST(IfoTableTest, KindWithoutModuleDoesNothingInEveryOperation) {
 
 }  // namespace
 }  // namespace tarvex
+
+namespace tarvex {
+namespace {
+
+TEST(IfoSourceTest, BodyLongerThanTheRestOfTheFileCountsAsAllocationFailure) {
+  test::Fixture f;
+  std::string path = f.dir.file("t.bin");
+  test::WriteFileBytes(path, std::vector<std::uint8_t>(100, 7));
+  File in = File::OpenRead(path);
+  EXPECT_FALSE(ReadBoundedBlock(in, 10, 91).has_value());
+  EXPECT_FALSE(ReadBoundedBlock(in, 10, -1).has_value());
+  EXPECT_FALSE(ReadBoundedBlock(in, 200, 1).has_value());
+  std::optional<std::vector<std::uint8_t>> body = ReadBoundedBlock(in, 10, 90);
+  ASSERT_TRUE(body.has_value());
+  EXPECT_EQ(body->size(), 90u);
+  EXPECT_TRUE(ReadBoundedBlock(in, 100, 0).has_value());
+}
+
+}  // namespace
+}  // namespace tarvex

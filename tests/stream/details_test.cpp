@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "stream/hex_view.h"
@@ -158,6 +159,51 @@ TEST(Details, ErrorDumpOfATruncatedRecordUsesThePositionAfterTheShortRead) {
                                         "Sector data:",
                                         "Hex display of record 0 at file address 0",
                                     }));
+}
+
+// File positions are 64-bit: beyond 2 GB the offset prints as its low 32 bits, signed, while
+// the sector number (and the record the hex view then shows) stays right.
+TEST(Details, ErrorDumpBeyondTwoGigabytesKeepsTheSectorNumber) {
+  Fixture f;
+  f.OpenBytes("a.vob", MakePaddingPack(0), kFileVob);
+  const std::int64_t offset = std::int64_t{3} << 30;
+  ShowErrorDump(*f.ctx, "Illegal sector type, aborting extract operation!", offset + 2048, 0);
+  ASSERT_EQ(f.lines().size(), 4u + 130u);
+  EXPECT_EQ(Slice(f.lines(), 0, 5), (std::vector<std::string>{
+                                        "Illegal sector type, aborting extract operation!",
+                                        "Error at: offset -1073741824 sector number 1572864",
+                                        "Sector type found by get_sector_type: 00 0",
+                                        "Sector data:",
+                                        "Hex display of record 1572864 at file address -1073741824",
+                                    }));
+  EXPECT_EQ(f.ctx->open.page_end, 1572864u);
+  // Nothing lies there: the rows show zeros.
+  EXPECT_EQ(f.lines()[6], "0000 -> 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 ");
+}
+
+// Report lines are zero-terminated texts: a line ends at its first zero byte.
+TEST(Details, ErrorDumpFirstLineEndsAtAZeroByte) {
+  Fixture f;
+  f.OpenBytes("a.vob", MakePaddingPack(0), kFileVob);
+  using namespace std::string_view_literals;
+  ShowErrorDump(*f.ctx, "Illegal\0 hidden"sv, 2048, 0);
+  EXPECT_EQ(f.lines()[0], "Illegal");
+}
+
+// A record past the end of the file reads nothing: the details see a zeroed record.
+TEST(Details, RecordBeyondTheFileEndIsAZeroRecord) {
+  Fixture f;
+  f.OpenBytes("a.vob", Concat({MakePaddingPack(0), MakePaddingPack(0)}), kFileVob);
+  f.ctx->open.page_end = 5;
+  ShowRecordDetails(*f.ctx);
+  ASSERT_EQ(f.lines().size(), 135u);
+  EXPECT_EQ(Slice(f.lines(), 0, 6),
+            (std::vector<std::string>{"Details display of record 5 at file address 10240",
+                                      "Illegal sector type, no details available!",
+                                      "Error at: offset 8192 sector number 4",
+                                      "Sector type found by get_sector_type: 00 0", "Sector data:",
+                                      "Hex display of record 4 at file address 8192"}));
+  EXPECT_EQ(f.lines()[7], "0000 -> 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 00 ");
 }
 
 TEST(Details, PaddingEndsTheViewAfterTheFirstLine) {

@@ -19,7 +19,7 @@ namespace {
 const std::string kTitleVob =
     std::string(TARVEX_SOURCE_DIR) + "/samples/disc/VIDEO_TS/VTS_01_1.VOB";
 
-class SampleDiscTest : public ::testing::Test {
+class StreamGoldenTest : public ::testing::Test {
  protected:
   void SetUp() override {
     if (!File::Exists(kTitleVob)) GTEST_SKIP() << "no sample disc at " << kTitleVob;
@@ -73,7 +73,7 @@ std::vector<std::string> Join(std::vector<std::vector<std::string>> parts) {
 
 const char* const kMuxRate = "    program_mux_rate = 25200, 1260000 BPS 10080000 bps";
 
-TEST_F(SampleDiscTest, OpenListsTheFirstPage) {
+TEST_F(StreamGoldenTest, OpenListsTheFirstPage) {
   EXPECT_EQ(f_.lines(), (std::vector<std::string>{
                             "000000 Navigations  SCR 0.000",
                             "000001 Video  SCR 146.086 PTS 48003 DTS 45000",
@@ -97,7 +97,7 @@ TEST_F(SampleDiscTest, OpenListsTheFirstPage) {
   EXPECT_EQ(f_.ctx->open.record_count, 1246u);
 }
 
-TEST_F(SampleDiscTest, HexViewOfTheVideoPack) {
+TEST_F(StreamGoldenTest, HexViewOfTheVideoPack) {
   f_.ctx->open.page_end = 1;
   ShowRecordHex(*f_.ctx, false);
   ASSERT_EQ(f_.lines().size(), 130u);
@@ -121,7 +121,7 @@ TEST_F(SampleDiscTest, HexViewOfTheVideoPack) {
   }
 }
 
-TEST_F(SampleDiscTest, DetailsOfTheNavigationPackUpToThePci) {
+TEST_F(StreamGoldenTest, DetailsOfTheNavigationPackUpToThePci) {
   std::vector<std::string> lines = Details(0);
   ASSERT_GE(lines.size(), 30u);
   // The PCI and DSI fields after these belong to the navigation pack's own tests.
@@ -160,7 +160,7 @@ TEST_F(SampleDiscTest, DetailsOfTheNavigationPackUpToThePci) {
             }));
 }
 
-TEST_F(SampleDiscTest, DetailsOfTheVideoPack) {
+TEST_F(StreamGoldenTest, DetailsOfTheVideoPack) {
   EXPECT_EQ(
       Details(1),
       Join({
@@ -178,7 +178,7 @@ TEST_F(SampleDiscTest, DetailsOfTheVideoPack) {
       }));
 }
 
-TEST_F(SampleDiscTest, DetailsOfTheAc3Pack) {
+TEST_F(StreamGoldenTest, DetailsOfTheAc3Pack) {
   EXPECT_EQ(
       Details(2),
       Join({
@@ -190,7 +190,7 @@ TEST_F(SampleDiscTest, DetailsOfTheAc3Pack) {
       }));
 }
 
-TEST_F(SampleDiscTest, DetailsOfTheLpcmPack) {
+TEST_F(StreamGoldenTest, DetailsOfTheLpcmPack) {
   EXPECT_EQ(Details(3),
             Join({
                 {"Details display of record 3 at file address 6144", "  VOB PCM Audio Pack Details",
@@ -207,7 +207,7 @@ TEST_F(SampleDiscTest, DetailsOfTheLpcmPack) {
 
 // The payload's own frame sync at offset 32 follows a stuffing byte and is skipped with it, so
 // the header shown is the next frame's, found at offset 224 (the same FF FD 44 header).
-TEST_F(SampleDiscTest, DetailsOfTheMpegAudioPack) {
+TEST_F(StreamGoldenTest, DetailsOfTheMpegAudioPack) {
   EXPECT_EQ(Details(4), Join({
                             {"Details display of record 4 at file address 8192",
                              "  VOB MPEG Audio Pack Details", " ", "pack_start_code 1ba",
@@ -219,7 +219,7 @@ TEST_F(SampleDiscTest, DetailsOfTheMpegAudioPack) {
                         }));
 }
 
-TEST_F(SampleDiscTest, DetailsOfTheSubPicturePack) {
+TEST_F(StreamGoldenTest, DetailsOfTheSubPicturePack) {
   EXPECT_EQ(Details(191), (std::vector<std::string>{
                               "Details display of record 191 at file address 391168",
                               "  VOB Sub-Picture Pack Details",

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "app/open_file.h"
+#include "convert/drivers.h"
 #include "support/test_support.h"
 
 namespace tarvex {
@@ -310,6 +311,18 @@ TEST(ListPage, IfoFileClearsTheListAndRunsTheOverview) {
   list_page(*f.ctx, 5, 5);
   EXPECT_TRUE(f.lines().empty());
   EXPECT_EQ(f.ctx->open.file_handle.Tell(), 0);
+}
+
+TEST(ListPage, IfoFileShowsTheOverviewWhenTheRangeIsNotEmpty) {
+  Fixture reference;
+  reference.OpenBytes("VIDEO_TS.IFO", std::vector<std::uint8_t>(4096, 0), kFileIfo);
+  ShowIfoOverview(*reference.ctx);
+  Fixture f;
+  f.OpenBytes("VIDEO_TS.IFO", std::vector<std::uint8_t>(4096, 0), kFileIfo);
+  f.ctx->AddReportLine("old line");
+  list_page(*f.ctx, 0, 16);
+  EXPECT_FALSE(f.lines().empty());
+  EXPECT_EQ(f.lines(), reference.lines());
 }
 
 TEST(ListPage, ListingLeavesTheFilePositionWhereRecordByRecordReadingWould) {
