@@ -67,7 +67,7 @@ std::string FormatSourceValue(ByteView bytes, const FieldDesc& field, std::uint3
     case SourceForm::kVersion:
       return Format("%d.%d", {bytes.u8(off) >> 4, bytes.u8(off) & 15});
     case SourceForm::kHexBytesX:
-      return "x" + HexBytes(bytes, off, field.width);
+      return std::string("x").append(HexBytes(bytes, off, field.width));
     case SourceForm::kHexBytes:
       return HexBytes(bytes, off, field.width);
     case SourceForm::kHex32X:
@@ -77,7 +77,7 @@ std::string FormatSourceValue(ByteView bytes, const FieldDesc& field, std::uint3
     case SourceForm::kHex16:
       return Format("%04x", {FieldValue(bytes, field, i)});
     case SourceForm::kHexWordsX:
-      return "x" + HexWords(bytes, off, field.width / 2);
+      return std::string("x").append(HexWords(bytes, off, field.width / 2));
     case SourceForm::kHexWords:
       return HexWords(bytes, off, field.width / 2);
   }
