@@ -7,8 +7,14 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 tools/install-deps.sh build
-cmake -S . -B build-sample -G Ninja -DCMAKE_BUILD_TYPE=Release -DTARVEX_TESTS=OFF >/dev/null
-ninja -C build-sample -j"${JOBS:-2}" tarvex-cli
+echo "Building tarvex-cli in build-sample/ (log: build-sample/build.log) ..."
+mkdir -p build-sample
+if ! { cmake -S . -B build-sample -G Ninja -DCMAKE_BUILD_TYPE=Release -DTARVEX_TESTS=OFF &&
+       ninja -C build-sample -j"${JOBS:-2}" tarvex-cli; } >build-sample/build.log 2>&1; then
+  tail -n 40 build-sample/build.log
+  echo "build failed; the whole log is build-sample/build.log" >&2
+  exit 1
+fi
 
 cli=build-sample/tarvex-cli
 disc=samples/disc/VIDEO_TS
