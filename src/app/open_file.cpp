@@ -60,7 +60,7 @@ void write_last_path(AppContext& ctx, const std::string& chosen_path, const char
   ctx.profiles.WriteString(ConfigFilePath(), kConfigSection, key, dir);
 }
 
-void OpenCommand(AppContext& ctx) {
+void OpenCommand(AppContext& ctx, std::optional<std::int32_t> forced_type) {
   OpenFileState& open = ctx.open;
   open.vmg_selected = 0;
   if (open.file_handle.is_open()) {
@@ -102,10 +102,10 @@ void OpenCommand(AppContext& ctx) {
   }
 
   open.file_path = chosen;
-  open_selected_file(ctx);
+  open_selected_file(ctx, forced_type);
 }
 
-void open_selected_file(AppContext& ctx) {
+void open_selected_file(AppContext& ctx, std::optional<std::int32_t> forced_type) {
   OpenFileState& open = ctx.open;
   open.file_type = kFileUnknown;
   std::string path = Format("%s", {open.file_path});
@@ -113,6 +113,7 @@ void open_selected_file(AppContext& ctx) {
   if (EndsWithIgnoringCase(path, "m2p")) open.file_type = kFileM2p;
   if (EndsWithIgnoringCase(path, "ifo")) open.file_type = kFileIfo;
   if (EndsWithIgnoringCase(path, "sup")) open.file_type = kFileSup;
+  if (forced_type) open.file_type = *forced_type;
   open.file_path = path;
 
   open.file_handle = File::OpenRead(open.file_path);

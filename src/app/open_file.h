@@ -1,6 +1,8 @@
 // The Open command: chooser, remembered directory, dispatch by file type, first page.
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
 #include "app/context.h"
@@ -8,9 +10,11 @@
 namespace tarvex {
 
 // File > Open: closes the previous file, asks the open chooser, opens and shows the file.
-void OpenCommand(AppContext& ctx);
-// Classifies ctx.open.file_path by extension, opens it and shows its first page.
-void open_selected_file(AppContext& ctx);
+// forced_type, when given, is the file type whatever the name (tarvex-cli's ifo command).
+void OpenCommand(AppContext& ctx, std::optional<std::int32_t> forced_type = std::nullopt);
+// Classifies ctx.open.file_path by extension (or takes forced_type), opens it and shows its
+// first page.
+void open_selected_file(AppContext& ctx, std::optional<std::int32_t> forced_type = std::nullopt);
 
 // The remembered directory in the suite configuration file.
 std::string read_last_path(AppContext& ctx, const std::string& current, const char* key);

@@ -32,7 +32,9 @@ void PrintReport(const AppContext& ctx);
 
 // Opens FILE as File > Open does (the open chooser answers FILE). Returns false when the open
 // step showed "Can not open %s": the command then stops there.
-bool OpenForCommand(Session& session, const std::string& file);
+// forced_type, when given, is the file type whatever FILE's name.
+bool OpenForCommand(Session& session, const std::string& file,
+                    std::optional<std::int32_t> forced_type = std::nullopt);
 
 void AddStreamCommands(CLI::App& app, Session& session);   // open, list, hex, details
 void AddExtractCommands(CLI::App& app, Session& session);  // extract

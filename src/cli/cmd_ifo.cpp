@@ -30,14 +30,10 @@ std::string DefaultSourcePath(const std::string& file) {
 
 void RunIfo(Session& session, const IfoArgs& args) {
   AppContext& ctx = session.ctx;
-  if (!OpenForCommand(session, args.file)) {
+  // The file is an IFO whatever its name: no type message, and the overview is its first page.
+  if (!OpenForCommand(session, args.file, kFileIfo)) {
     PrintReport(ctx);
     return;
-  }
-  // The file is an IFO whatever its name.
-  if (ctx.open.file_type != kFileIfo) {
-    ctx.open.file_type = kFileIfo;
-    ShowIfoOverview(ctx);
   }
   if (args.has_prefix) {
     for (std::size_t i = 0; i < ctx.report.size(); ++i) {
@@ -53,7 +49,7 @@ void RunIfo(Session& session, const IfoArgs& args) {
 
 void RunDisasm(Session& session, const IfoArgs& args) {
   AppContext& ctx = session.ctx;
-  if (!OpenForCommand(session, args.file)) {
+  if (!OpenForCommand(session, args.file, kFileIfo)) {
     PrintReport(ctx);
     return;
   }
@@ -89,10 +85,11 @@ void AddIfoCommands(CLI::App& app, Session& session) {
     session.action = [&session, args] { RunIfo(session, *args); };
   });
 
-  CLI::App* disasm =
-      app.add_subcommand("disasm",
-                         "Open the IFO FILE and disassemble it into the IfoSource SOURCE (*.INI); "
-                         "SOURCE defaults to FILE with its extension replaced by INI");
+  CLI::App* disasm = app.add_subcommand(
+      "disasm",
+      "Open the IFO FILE (whatever its name) and disassemble it into the IfoSource "
+      "SOURCE (*.INI); "
+      "SOURCE defaults to FILE with its extension replaced by INI");
   disasm->add_option("FILE", args->file, "IFO file")->required();
   disasm->add_option("SOURCE", args->source, "IfoSource to write");
   disasm->callback(

@@ -55,11 +55,12 @@ CLI::App* AddFileCommand(CLI::App& app, const std::string& name, const std::stri
 
 }  // namespace
 
-bool OpenForCommand(Session& session, const std::string& file) {
+bool OpenForCommand(Session& session, const std::string& file,
+                    std::optional<std::int32_t> forced_type) {
   std::string path = ChooserPath(file);
   session.choosers[ChooserPurpose::kOpenInput] =
       [path](const ChooserRequest&) -> std::optional<std::string> { return path; };
-  OpenCommand(session.ctx);
+  OpenCommand(session.ctx, forced_type);
   session.choosers.erase(ChooserPurpose::kOpenInput);
   // With the chooser answered, a file that is not open afterwards could not be opened
   // ("Can not open %s" was shown).

@@ -129,8 +129,28 @@ TEST(CliIfoTest, IfoCommandTreatsAnyNameAsAnIfo) {
   test::TempDir dir;
   test::WriteFileBytes(dir.file("title.bin"), test::MakeVtsImage());
   CliRun run = RunCli(dir, "ifo title.bin");
-  EXPECT_NE(run.out.find("VTSI_MAT IFO File: Video Title Set Information Management Table\n"),
-            std::string::npos);
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_EQ(run.err, "");
+  EXPECT_EQ(run.out,
+            "VTSI_MAT IFO File: Video Title Set Information Management Table\n"
+            "** VTSM_VOB: There is no VTS Menu VOB\n"
+            "VTS_VOB: VTS VOB starts at sector address: 1\n");
+}
+
+TEST(CliIfoTest, IfoCommandOnAVobNamedFileListsNoRecords) {
+  test::TempDir dir;
+  test::WriteFileBytes(dir.file("VTS_01_0.BUP.vob"), test::MakeVtsImage());
+  CliRun run = RunCli(dir, "ifo VTS_01_0.BUP.vob");
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_TRUE(run.out.starts_with("VTSI_MAT IFO File: ")) << run.out;
+}
+
+TEST(CliIfoTest, DisasmTreatsAnyNameAsAnIfo) {
+  test::TempDir dir;
+  test::WriteFileBytes(dir.file("VTS_01_0.BUP"), test::MakeVtsImage());
+  CliRun run = RunCli(dir, "disasm VTS_01_0.BUP");
+  EXPECT_EQ(run.status, 0) << run.err;
+  EXPECT_TRUE(test::ReadFileText(dir.file("VTS_01_0.INI")).starts_with("[vtsi_mat]\r\n"));
 }
 
 TEST(CliIfoTest, PrefixPressesDetailsOnTheFirstMatchingLine) {
