@@ -245,6 +245,31 @@ bool HasSequenceEnd(ByteView record, std::uint32_t s) {
   return false;
 }
 
+// The copy pass of the video, still and sub-picture extraction: walks the stream again from
+// its start and hands every pack of the wanted type to copy_pack, which returns false when it
+// ended the run itself. An illegal sector ends the run with the error dump, a type above 8 with
+// its line; otherwise the output file is closed at the end of the stream.
+template <typename CopyPack>
+void CopyPacks(AppContext& ctx, RecordReader& reader, OutputFile& out, std::int32_t wanted,
+               CopyPack copy_pack) {
+  reader.Rewind();
+  while (reader.Next() != 0) {
+    ByteView record = reader.view();
+    std::int32_t type = get_sector_type(record, ctx.stream.stream_number);
+    if (type == kSectorIllegal) {
+      out.Close();
+      AbortOnIllegalSector(ctx, reader, type);
+      return;
+    }
+    if (type > kSectorMpegAudio) {
+      ctx.AddReportLine(kUnknownSector);
+      break;
+    }
+    if (type == wanted && !copy_pack(record)) return;
+  }
+  out.Close();
+}
+
 void ExtractVideoStream(AppContext& ctx, bool stills) {
   ctx.ClearReportList();
   WaitCursor cursor(ctx.ui);
@@ -274,36 +299,19 @@ void ExtractVideoStream(AppContext& ctx, bool stills) {
     return;
   }
 
-  reader.Rewind();
-  for (;;) {
-    if (reader.Next() == 0) break;
-    ByteView record = reader.view();
-    std::int32_t type = get_sector_type(record, ctx.stream.stream_number);
-    if (type == kSectorIllegal) {
-      out.Close();
-      AbortOnIllegalSector(ctx, reader, type);
-      return;
-    }
-    if (type > kSectorMpegAudio) {
-      ctx.AddReportLine(kUnknownSector);
-      break;
-    }
-    if (type != kSectorVideo) continue;
+  CopyPacks(ctx, reader, out, kSectorVideo, [&](ByteView record) {
     VideoPayload payload = LocateVideoPayload(record);
     WriteBytes(out, record, payload.start, payload.length);
-    if (stills && HasSequenceEnd(record, payload.start)) {
-      // The rest of this pack went to the file just closed; the next still starts with the
-      // next video pack.
-      out.Close();
-      std::string name = Format("%s%04d.m2v", {base, counter});
-      ++counter;
-      if (!CreateNumbered(ctx, reader, out, name)) {
-        cursor.Off();
-        return;
-      }
-    }
-  }
-  out.Close();
+    if (!stills || !HasSequenceEnd(record, payload.start)) return true;
+    // The rest of this pack went to the file just closed; the next still starts with the
+    // next video pack.
+    out.Close();
+    std::string name = Format("%s%04d.m2v", {base, counter});
+    ++counter;
+    if (CreateNumbered(ctx, reader, out, name)) return true;
+    cursor.Off();
+    return false;
+  });
 }
 
 }  // namespace
@@ -337,21 +345,7 @@ void ExtractSubPictures(AppContext& ctx) {
   }
 
   bool written = false;
-  reader.Rewind();
-  for (;;) {
-    if (reader.Next() == 0) break;
-    ByteView record = reader.view();
-    std::int32_t type = get_sector_type(record, ctx.stream.stream_number);
-    if (type == kSectorIllegal) {
-      out.Close();
-      AbortOnIllegalSector(ctx, reader, type);
-      return;
-    }
-    if (type > kSectorMpegAudio) {
-      ctx.AddReportLine(kUnknownSector);
-      break;
-    }
-    if (type != kSectorSubPicture) continue;
+  CopyPacks(ctx, reader, out, kSectorSubPicture, [&](ByteView record) {
     SubPicturePayload payload = LocateSubPicturePayload(record);
     if (payload.has_pts && written) {
       // A PTS starts the next unit, in the next numbered file.
@@ -360,13 +354,13 @@ void ExtractSubPictures(AppContext& ctx) {
       ++counter;
       if (!CreateNumbered(ctx, reader, out, name)) {
         cursor.Off();
-        return;
+        return false;
       }
     }
     WriteBytes(out, record, payload.start, payload.length);
     written = true;
-  }
-  out.Close();
+    return true;
+  });
 }
 
 }  // namespace tarvex
