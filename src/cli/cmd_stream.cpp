@@ -67,6 +67,32 @@ bool OpenForCommand(Session& session, const std::string& file,
   return session.ctx.open.file_handle.is_open();
 }
 
+namespace {
+
+// A command on one record of FILE (hex, details): opens FILE, makes RECORD the current
+// record (page_end, as the window's record selection does) and runs show on it.
+void AddRecordCommand(CLI::App& app, Session& session, const char* name, const char* summary,
+                      const char* details, const char* record_help, void (*show)(AppContext& ctx)) {
+  auto file = std::make_shared<std::string>();
+  auto record = std::make_shared<std::string>();
+  CLI::App* cmd = AddFileCommand(app, name, summary, details, file);
+  cmd->add_option("RECORD", *record, record_help)
+      ->required()
+      ->check(RecordNumber())
+      ->type_name("NUMBER");
+  cmd->callback([&session, file, record, show] {
+    session.action = [&session, file, record, show] {
+      if (OpenForCommand(session, *file)) {
+        session.ctx.open.page_end = *ParseRecordNumber(*record);
+        show(session.ctx);
+      }
+      PrintReport(session.ctx);
+    };
+  });
+}
+
+}  // namespace
+
 void AddStreamCommands(CLI::App& app, Session& session) {
   {
     auto file = std::make_shared<std::string>();
@@ -122,55 +148,24 @@ void AddStreamCommands(CLI::App& app, Session& session) {
       };
     });
   }
-  {
-    auto file = std::make_shared<std::string>();
-    auto record = std::make_shared<std::string>();
-    CLI::App* cmd = AddFileCommand(
-        app, "hex", "Open FILE and show record RECORD as a hex dump (HEX)",
-        "Opens FILE as the open command does, then shows record RECORD as pressing HEX\n"
-        "on its line does: a title line and 128 rows of 16 bytes with their file\n"
-        "addresses (record x 2048 for a VOB, 0 for other types).",
-        file);
-    cmd->add_option("RECORD", *record, "The record to dump (decimal)")
-        ->required()
-        ->check(RecordNumber())
-        ->type_name("NUMBER");
-    cmd->callback([&session, file, record] {
-      session.action = [&session, file, record] {
-        if (OpenForCommand(session, *file)) {
-          session.ctx.open.page_end = *ParseRecordNumber(*record);
-          ShowRecordHex(session.ctx, false);
-          session.ctx.stream.hex_mode = 1;
-        }
-        PrintReport(session.ctx);
-      };
-    });
-  }
-  {
-    auto file = std::make_shared<std::string>();
-    auto record = std::make_shared<std::string>();
-    CLI::App* cmd = AddFileCommand(
-        app, "details", "Open FILE and decode record RECORD field by field (Details)",
-        "Opens FILE as the open command does, then decodes record RECORD as pressing\n"
-        "Details on its line does: pack, system and PES headers, then the navigation\n"
-        "pack (PCI and DSI), video, audio or sub-picture fields. A record that cannot be\n"
-        "classified gives the error dump.",
-        file);
-    cmd->add_option("RECORD", *record, "The record to decode (decimal)")
-        ->required()
-        ->check(RecordNumber())
-        ->type_name("NUMBER");
-    cmd->callback([&session, file, record] {
-      session.action = [&session, file, record] {
-        if (OpenForCommand(session, *file)) {
-          session.ctx.open.page_end = *ParseRecordNumber(*record);
-          ShowRecordDetails(session.ctx);
-          session.ctx.stream.details_mode = 1;
-        }
-        PrintReport(session.ctx);
-      };
-    });
-  }
+  AddRecordCommand(app, session, "hex", "Open FILE and show record RECORD as a hex dump (HEX)",
+                   "Opens FILE as the open command does, then shows record RECORD as pressing HEX\n"
+                   "on its line does: a title line and 128 rows of 16 bytes with their file\n"
+                   "addresses (record x 2048 for a VOB, 0 for other types).",
+                   "The record to dump (decimal)", [](AppContext& ctx) {
+                     ShowRecordHex(ctx, false);
+                     ctx.stream.hex_mode = 1;
+                   });
+  AddRecordCommand(
+      app, session, "details", "Open FILE and decode record RECORD field by field (Details)",
+      "Opens FILE as the open command does, then decodes record RECORD as pressing\n"
+      "Details on its line does: pack, system and PES headers, then the navigation\n"
+      "pack (PCI and DSI), video, audio or sub-picture fields. A record that cannot be\n"
+      "classified gives the error dump.",
+      "The record to decode (decimal)", [](AppContext& ctx) {
+        ShowRecordDetails(ctx);
+        ctx.stream.details_mode = 1;
+      });
 }
 
 }  // namespace tarvex::cli
