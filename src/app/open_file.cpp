@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "convert/drivers.h"
+#include "platform/ascii.h"
 #include "platform/format.h"
 #include "platform/paths.h"
 #include "stream/listing.h"
@@ -21,23 +22,13 @@ constexpr std::string_view kOpenFilter =
     "MPEG Files(*.VOB;*.M2P;*.IFO;*.SUP)|*.VOB;*.M2P;*.IFO;*.SUP|VOB Files(*.VOB)|*.VOB|"
     "System Files(*.M2P)|*.M2P|IFO Files(*.IFO)|*.IFO|SubPicture Files(*.SUP)|*.SUP|";
 
-char FoldChar(char c) {
-  return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 // strnicmp over n characters: stops at the first difference or at a zero byte in both.
 bool EqualIgnoringCase(const char* a, const char* b, std::size_t n) {
   for (std::size_t i = 0; i < n; ++i) {
-    if (FoldChar(a[i]) != FoldChar(b[i])) return false;
+    if (AsciiLower(a[i]) != AsciiLower(b[i])) return false;
     if (a[i] == '\0') return true;
   }
   return true;
-}
-
-// Does the path end in ".xyz"-style three letters ext (compared without regard to case)?
-bool EndsWithIgnoringCase(std::string_view path, std::string_view ext) {
-  if (path.size() < ext.size()) return false;
-  return EqualIgnoringCase(path.data() + path.size() - ext.size(), ext.data(), ext.size());
 }
 
 }  // namespace
@@ -109,10 +100,10 @@ void open_selected_file(AppContext& ctx, std::optional<std::int32_t> forced_type
   OpenFileState& open = ctx.open;
   open.file_type = kFileUnknown;
   std::string path = Format("%s", {open.file_path});
-  if (EndsWithIgnoringCase(path, "vob")) open.file_type = kFileVob;
-  if (EndsWithIgnoringCase(path, "m2p")) open.file_type = kFileM2p;
-  if (EndsWithIgnoringCase(path, "ifo")) open.file_type = kFileIfo;
-  if (EndsWithIgnoringCase(path, "sup")) open.file_type = kFileSup;
+  if (EndsWithIgnoringAsciiCase(path, "vob")) open.file_type = kFileVob;
+  if (EndsWithIgnoringAsciiCase(path, "m2p")) open.file_type = kFileM2p;
+  if (EndsWithIgnoringAsciiCase(path, "ifo")) open.file_type = kFileIfo;
+  if (EndsWithIgnoringAsciiCase(path, "sup")) open.file_type = kFileSup;
   if (forced_type) open.file_type = *forced_type;
   open.file_path = path;
 

@@ -8,6 +8,7 @@
 #include "ifo/table.h"
 #include "ifo/vmgi_mat.h"
 #include "ifo/vtsi_mat.h"
+#include "platform/ascii.h"
 #include "platform/bytes.h"
 #include "platform/format.h"
 #include "platform/paths.h"
@@ -58,18 +59,6 @@ const HeadingPrefix* MatchHeading(std::string_view line, bool disassembly) {
   return nullptr;
 }
 
-char Lower(char c) {
-  return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool StartsWithIgnoringCase(std::string_view text, std::string_view prefix) {
-  if (text.size() < prefix.size()) return false;
-  for (std::size_t i = 0; i < prefix.size(); ++i) {
-    if (Lower(text[i]) != Lower(prefix[i])) return false;
-  }
-  return true;
-}
-
 // The path with its extension (the text after the last '.' of the name) replaced.
 std::string ReplaceExtension(const std::string& path, std::string_view extension) {
   std::size_t sep = LastSeparator(path);
@@ -93,14 +82,14 @@ bool AssembleInto(AppContext& ctx) {
   // The created handle is already open for reading and writing; it serves as the reopened one.
 
   std::string name = NamePart(ctx.convert.source_path);
-  if (StartsWithIgnoringCase(name, "vts")) {
+  if (StartsWithIgnoringAsciiCase(name, "vts")) {
     for (TableId id : {TableId::kVtsVobuAdmap, TableId::kVtsCAdt, TableId::kVtsmVobuAdmap,
                        TableId::kVtsmCAdt, TableId::kVtsTmapt, TableId::kVtsmLu,
                        TableId::kVtsmPgciUt, TableId::kVtsPgcit, TableId::kVtsPttSrpt}) {
       LoadTableSource(ctx, id);
     }
     AssembleTitleSet(ctx, out, ctx.convert.output_path);
-  } else if (StartsWithIgnoringCase(name, "video_ts")) {
+  } else if (StartsWithIgnoringAsciiCase(name, "video_ts")) {
     for (TableId id : {TableId::kVmgmVobuAdmap, TableId::kVmgmCAdt, TableId::kVmgAtrt,
                        TableId::kVmgMait, TableId::kVmgmPgciUt, TableId::kVmgPttSrpt}) {
       LoadTableSource(ctx, id);
@@ -170,7 +159,8 @@ void AssembleInteractive(AppContext& ctx) {
   if (!source) return;
   ctx.convert.source_path = *source;
   std::string name = NamePart(*source);
-  if (!StartsWithIgnoringCase(name, "vts_") && !StartsWithIgnoringCase(name, "video_ts")) {
+  if (!StartsWithIgnoringAsciiCase(name, "vts_") &&
+      !StartsWithIgnoringAsciiCase(name, "video_ts")) {
     ctx.ui.ShowMessage(Format("The file %s is not a legal DVD-Video file type name", {*source}),
                        "Operations error!");
     return;

@@ -3,6 +3,7 @@
 #include <optional>
 #include <vector>
 
+#include "platform/ascii.h"
 #include "platform/file_io.h"
 #include "platform/paths.h"
 
@@ -26,13 +27,9 @@ std::string_view CutArgument(std::string_view s) {
   return end == std::string_view::npos ? s : s.substr(0, end);
 }
 
-char FoldChar(char c) {
-  return (c >= 'A' && c <= 'Z') ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
 void FoldInto(std::string& out, std::string_view s) {
   out.assign(s);
-  for (char& c : out) c = FoldChar(c);
+  for (char& c : out) c = AsciiLower(c);
 }
 
 enum class LineKind { kOther, kComment, kSection, kKey };
