@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "ifo/adt_state.h"
+
 namespace tarvex {
 
 // One program chain being assembled (the assembler handles one chain at a time).
@@ -49,6 +51,11 @@ struct IfoState {
   PgcAssembly pgc;
   VmgiMatState vmgi_mat;
   VtsiMatState vtsi_mat;
+  std::array<CAdtState, 3> c_adt;  // video manager menus, title set menus, title set titles
+  std::array<VobuAdmapState, 3> vobu_admap;  // the same three VOB sets
+  VtsAtrtState vts_atrt;
+  PtlMaitState ptl_mait;
+  TxtdtMgState txtdt_mg;
 };
 
 }  // namespace tarvex

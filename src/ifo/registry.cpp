@@ -2,8 +2,13 @@
 // through FindTableModule and need no change.
 #include <array>
 
+#include "ifo/c_adt.h"
+#include "ifo/ptl_mait.h"
 #include "ifo/table.h"
+#include "ifo/txtdt_mg.h"
 #include "ifo/vmgi_mat.h"
+#include "ifo/vobu_admap.h"
+#include "ifo/vts_atrt.h"
 #include "ifo/vtsi_mat.h"
 #include "platform/format.h"
 
@@ -11,10 +16,15 @@ namespace tarvex {
 
 namespace {
 
+// clang-format off
 const TableModule* const kModules[] = {
     &kVmgiMatModule,
     &kVtsiMatModule,
+    &kVmgmCAdtModule, &kVtsmCAdtModule, &kVtsCAdtModule,
+    &kVmgmVobuAdmapModule, &kVtsmVobuAdmapModule, &kVtsVobuAdmapModule,
+    &kVtsAtrtModule, &kPtlMaitModule, &kTxtdtMgModule,
 };
+// clang-format on
 
 }  // namespace
 
