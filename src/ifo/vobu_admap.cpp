@@ -149,28 +149,16 @@ void Emit(AppContext& ctx, const AdmapVariant& v, File& out) {
   loaded.shrink_to_fit();
 }
 
-// One set of module operations per variant, all running the code above.
-template <std::size_t V>
-struct Ops {
-  static std::uint32_t OpenTable(AppContext& ctx, File& ifo) {
-    return Open(ctx, kVariants[V], ifo);
-  }
-  static void ReportTable(AppContext& ctx) { Report(ctx, kVariants[V]); }
-  static void DisassembleTable(AppContext& ctx) { Disassemble(ctx, kVariants[V]); }
-  static void LoadTableSource(AppContext& ctx) { Load(ctx, kVariants[V]); }
-  static TableSize MeasureTable(AppContext& ctx) { return Measure(ctx, kVariants[V]); }
-  static void EmitTable(AppContext& ctx, File& out) { Emit(ctx, kVariants[V], out); }
-};
-
+// The module of variant V: each operation runs the one implementation above on its data.
 template <std::size_t V>
 constexpr TableModule MakeModule(TableId id) {
   return {id,
-          Ops<V>::OpenTable,
-          Ops<V>::ReportTable,
-          Ops<V>::DisassembleTable,
-          Ops<V>::LoadTableSource,
-          Ops<V>::MeasureTable,
-          Ops<V>::EmitTable};
+          [](AppContext& ctx, File& ifo) { return Open(ctx, kVariants[V], ifo); },
+          [](AppContext& ctx) { Report(ctx, kVariants[V]); },
+          [](AppContext& ctx) { Disassemble(ctx, kVariants[V]); },
+          [](AppContext& ctx) { Load(ctx, kVariants[V]); },
+          [](AppContext& ctx) { return Measure(ctx, kVariants[V]); },
+          [](AppContext& ctx, File& out) { Emit(ctx, kVariants[V], out); }};
 }
 
 }  // namespace

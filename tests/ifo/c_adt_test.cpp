@@ -250,6 +250,12 @@ TEST(AdtDisassembleTest, VideoManagerTableUsesItsOwnSectionAndKeys) {
             "c_001_vob001_vts_cp_sa=0\r\nc_001_vob001_vts_cp_ea=5\r\n");
 }
 
+TEST(AdtDisassembleTest, HeaderValuesOfZeroStillWriteTheHeaderKeys) {
+  Fixture f;
+  OpenTitleSetWith(f, test::MakeCAdt(0, {}, 0));
+  EXPECT_EQ(Disassemble(f, TableId::kVtsCAdt), "[vts_c_adt]\r\nvts_vob_ns=0\r\nvts_c_adt_ea=0\r\n");
+}
+
 TEST(AdtDisassembleTest, MoreVobsThanCellsWritesTheCellsThereAre) {
   Fixture f;
   OpenTitleSetWith(f, test::MakeCAdt(3, {{1, 1, 0, 5}}));

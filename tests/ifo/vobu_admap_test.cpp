@@ -199,6 +199,15 @@ TEST(AdmapDisassembleTest, OneKeyPerEntryNumberedFromOne) {
             "[vtsm_vobu_admap]\r\nvobu_sa0001=0\r\nvobu_sa0002=30\r\nvobu_sa0003=-1\r\n");
 }
 
+TEST(AdmapDisassembleTest, MapWithoutEntriesWritesNoKeysAndReportsNoLines) {
+  Fixture f;
+  OpenTitleSetWith(f, test::MakeVobuAdmap({}, 3), kVtsVobuAdmapSa);
+  EXPECT_EQ(Disassemble(f, TableId::kVtsVobuAdmap), "");
+  ReportTable(*f.ctx, TableId::kVtsVobuAdmap);
+  EXPECT_TRUE(f.lines().empty());
+  EXPECT_TRUE(f.ui.Messages().empty());
+}
+
 TEST(AdmapDisassembleTest, VideoManagerMapIsWrittenToTheTitleSetMapSection) {
   Fixture f;
   OpenVideoManagerWith(f, test::MakeVobuAdmap({9}));
