@@ -142,6 +142,24 @@ TEST(AtrtReportTest, HugeEndAddressReadsOnlyWhatTheFileHolds) {
   EXPECT_EQ(f.lines().size(), 26u);
 }
 
+TEST(AtrtReportTest, TitleSetsWhosePointerLiesBeyondTheFileAreNotListed) {
+  Fixture f;
+  // 65535 title sets claimed, end address 0; the file ends 8 bytes after the header, so only
+  // two search pointers (both 0) start within it. Each title set: its pointer line and 8 lines
+  // of a record read as zeros.
+  std::vector<std::uint8_t> table(16, 0);
+  ByteWriter(table).put_be16(0, 0xFFFF);
+  OpenWith(f, table);
+  ReportTable(*f.ctx, TableId::kVmgAtrt);
+  ASSERT_EQ(f.lines().size(), 2u + 2u * 9u);
+  EXPECT_EQ(f.lines()[0], "Number of Video Title Sets: 65535");
+  EXPECT_EQ(f.lines()[11], "  VTS 2 Attribute start byte address 0");
+  EXPECT_EQ(f.lines()[19], "    Number of subpicture streams in VTSTT_VOBS: 0");
+  std::string text = Disassemble(f);
+  EXPECT_NE(text.find("vts_atrt_srp002_vts_spst_ns=0"), std::string::npos);
+  EXPECT_EQ(text.find("vts_atrt_srp003"), std::string::npos);
+}
+
 TEST(AtrtReportTest, ReportReadsTheRecordsAfresh) {
   Fixture f;
   OpenWith(f, TwoTitleSets());
