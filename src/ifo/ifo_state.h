@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "ifo/pgci_state.h"
+
 namespace tarvex {
 
 // One program chain being assembled (the assembler handles one chain at a time).
@@ -49,6 +51,9 @@ struct IfoState {
   PgcAssembly pgc;
   VmgiMatState vmgi_mat;
   VtsiMatState vtsi_mat;
+  VtsPgcitState vts_pgcit;
+  PgciUtState vtsm_pgci_ut;
+  PgciUtState vmgm_pgci_ut;
 };
 
 }  // namespace tarvex

@@ -2,8 +2,10 @@
 // through FindTableModule and need no change.
 #include <array>
 
+#include "ifo/pgci_ut.h"
 #include "ifo/table.h"
 #include "ifo/vmgi_mat.h"
+#include "ifo/vts_pgcit.h"
 #include "ifo/vtsi_mat.h"
 #include "platform/format.h"
 
@@ -11,10 +13,13 @@ namespace tarvex {
 
 namespace {
 
+// clang-format off
 const TableModule* const kModules[] = {
     &kVmgiMatModule,
     &kVtsiMatModule,
+    &kVtsPgcitModule, &kVtsmPgciUtModule, &kVtsmLuModule, &kVmgmPgciUtModule, &kVmgmLuModule,
 };
+// clang-format on
 
 }  // namespace
 

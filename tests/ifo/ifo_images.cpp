@@ -1,5 +1,6 @@
 #include "ifo/ifo_images.h"
 
+#include <algorithm>
 #include <fstream>
 
 #include "platform/bytes.h"
@@ -105,6 +106,15 @@ std::vector<std::uint8_t> MakeVtsImage() {
   w.put_be32(0x256, 0x01006465);
   w.put_be16(0x25A, 0x0000);
   return image;
+}
+
+void PlaceTable(std::vector<std::uint8_t>& image, std::size_t start_field, std::uint32_t sector,
+                const std::vector<std::uint8_t>& table) {
+  std::size_t at = std::size_t{sector} * 2048;
+  std::size_t end = (at + table.size() + 2047) / 2048 * 2048;
+  if (image.size() < end) image.resize(end, 0);
+  ByteWriter(image).put_be32(start_field, sector);
+  std::copy(table.begin(), table.end(), image.begin() + static_cast<std::ptrdiff_t>(at));
 }
 
 void WriteText(const std::string& path, const std::string& text) {

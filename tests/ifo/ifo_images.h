@@ -20,6 +20,11 @@ std::vector<std::uint8_t> MakeVmgImage(const std::vector<std::uint8_t>& first_pl
 // stream and one sub-picture stream, no tables.
 std::vector<std::uint8_t> MakeVtsImage();
 
+// Puts table at sector of image (growing the image to whole sectors as needed) and stores
+// the sector, big-endian, in the start-sector field at start_field of sector 0.
+void PlaceTable(std::vector<std::uint8_t>& image, std::size_t start_field, std::uint32_t sector,
+                const std::vector<std::uint8_t>& table);
+
 // Writes text to path (an IfoSource), LF line ends.
 void WriteText(const std::string& path, const std::string& text);
 
