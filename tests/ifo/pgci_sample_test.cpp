@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 
 #include "convert/drivers.h"
 #include "platform/bytes.h"
@@ -232,6 +233,75 @@ TEST(PgciSampleTest, VideoManagerMenuDetails) {
   EXPECT_EQ(f.lines()[92], "        VOB ID number 1 of this Cell 1");  // 0x1166
   // 5 unit lines and 66 + 11 + 2 + 7 + 2 chain lines.
   EXPECT_EQ(f.lines().size(), 93u);
+}
+
+}  // namespace
+}  // namespace tarvex
+
+namespace tarvex {
+namespace {
+
+// Disassembles a sample IFO and assembles the source beside copies of the sample's VOBs;
+// returns the original and the assembled bytes and the messages.
+struct RoundTrip {
+  std::vector<std::uint8_t> original;
+  std::vector<std::uint8_t> assembled;
+  std::vector<std::string> messages;
+};
+
+RoundTrip RunRoundTrip(const std::string& ifo, const std::string& ini) {
+  Fixture f;
+  OpenSample(f, ifo);
+  std::string source = f.dir.file(ini);
+  f.ui.chooser_answers.push_back(source);
+  DisassembleIfo(*f.ctx);
+  std::string out_dir = f.dir.file("out");
+  std::filesystem::create_directory(out_dir);
+  for (const char* vob : {"VIDEO_TS.VOB", "VTS_01_0.VOB", "VTS_01_1.VOB"}) {
+    std::filesystem::copy_file(kSampleDir + vob, out_dir + "/" + vob);
+  }
+  f.ctx->batch.asm_path = source;
+  f.ctx->batch.obj_path = out_dir + "/" + ifo;
+  AssembleBatch(*f.ctx);
+  return {test::ReadFileBytes(kSampleDir + ifo), test::ReadFileBytes(out_dir + "/" + ifo),
+          f.ui.Messages()};
+}
+
+// The sector at the start sector held at field of sector 0.
+std::vector<std::uint8_t> TableSector(const std::vector<std::uint8_t>& ifo, std::size_t field) {
+  std::size_t at = std::size_t{ByteView(ifo).be32(field)} * 2048;
+  if (at == 0 || at + 2048 > ifo.size()) return {};
+  return {ifo.begin() + static_cast<std::ptrdiff_t>(at),
+          ifo.begin() + static_cast<std::ptrdiff_t>(at + 2048)};
+}
+
+TEST(PgciSampleTest, VideoManagerMenuUnitTableComesBackByteForByte) {
+  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  RoundTrip rt = RunRoundTrip("VIDEO_TS.IFO", "VIDEO_TS.INI");
+  EXPECT_TRUE(rt.messages.empty());
+  std::vector<std::uint8_t> original = TableSector(rt.original, 200);  // vmgm_pgci_ut_sa
+  ASSERT_EQ(original.size(), 2048u);
+  // The one unit lies at offset 16. Its end address field is written as the unit's size
+  // (346 = 8 + 8 + 330) where the disc holds size - 1 (0x159 = 345); all else is the same.
+  ASSERT_EQ(ByteView(original).be32(20), 345u);
+  ByteWriter(original).put_be32(20, 346);
+  EXPECT_EQ(TableSector(rt.assembled, 200), original);
+}
+
+TEST(PgciSampleTest, TitleSetChainTablesComeBackByteForByte) {
+  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  RoundTrip rt = RunRoundTrip("VTS_01_0.IFO", "VTS_01_0.INI");
+  EXPECT_TRUE(rt.messages.empty());
+  std::vector<std::uint8_t> pgcit = TableSector(rt.original, 0xCC);  // vts_pgcit_sa
+  ASSERT_EQ(pgcit.size(), 2048u);
+  EXPECT_EQ(TableSector(rt.assembled, 0xCC), pgcit);
+  std::vector<std::uint8_t> unit_table = TableSector(rt.original, 0xD0);  // vtsm_pgci_ut_sa
+  ASSERT_EQ(unit_table.size(), 2048u);
+  // The unit at offset 16 gets its size as end address (566) where the disc holds
+  // size - 1 (0x235 = 565).
+  ASSERT_EQ(ByteView(unit_table).be32(20), 565u);
+  ByteWriter(unit_table).put_be32(20, 566);
+  EXPECT_EQ(TableSector(rt.assembled, 0xD0), unit_table);
 }
 
 }  // namespace

@@ -18,10 +18,14 @@ TEST(VtsiMatOpenTest, OverviewShowsTheHeadingAndBothVobLines) {
   Fixture f;
   f.OpenBytes("VTS_01_0.IFO", test::MakeVtsImage(), kFileIfo);
   EXPECT_EQ(OpenTitleSet(*f.ctx, f.ctx->open.file_handle), 1u);
-  EXPECT_EQ(f.lines(), (std::vector<std::string>{
-                           "VTSI_MAT IFO File: Video Title Set Information Management Table",
-                           "** VTSM_VOB: There is no VTS Menu VOB",
-                           "VTS_VOB: VTS VOB starts at sector address: 1"}));
+  EXPECT_EQ(
+      f.lines(),
+      (std::vector<std::string>{
+          "VTSI_MAT IFO File: Video Title Set Information Management Table",
+          "** VTSM_VOB: There is no VTS Menu VOB", "VTS_VOB: VTS VOB starts at sector address: 1",
+          "** VTS_PGCITI IFO File: There is no Video title set Program Chain Information Table",
+          "** VTSM_PGCI_UT File: There is no Video Title Set Menu PGCI Unit Table",
+          "** VTSM_LU File: There is no Video Title Set Menu Language Unit Table"}));
 }
 
 TEST(VtsiMatOpenTest, MenuVobLineAndMissingTitleVobLine) {
@@ -49,7 +53,7 @@ TEST(VtsiMatOpenTest, OpenStepAddsHeadingLinesOnlyNotFullReports) {
   f.OpenBytes("VTS_01_0.IFO", test::MakeVtsImage(), kFileIfo);
   OpenTitleSet(*f.ctx, f.ctx->open.file_handle);
   for (const std::string& line : f.lines()) {
-    EXPECT_TRUE(line.find("IFO File") != std::string::npos || line.find("VOB") != std::string::npos)
+    EXPECT_TRUE(line.find(" File: ") != std::string::npos || line.find("VOB") != std::string::npos)
         << line;
   }
 }
