@@ -232,6 +232,7 @@ void DisassembleUnitTable(AppContext& ctx, const Instance& in) {
 
 std::uint32_t OpenLanguageUnits(AppContext& ctx, const Instance& in, File& ifo) {
   PgciUtState& s = ctx.ifo.*in.state;
+  s.file = nullptr;
   std::uint32_t sector = in.start_sector(ctx);
   std::uint32_t defined = 0;
   if (sector != 0) {
