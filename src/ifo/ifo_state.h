@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "ifo/adt_state.h"
+#include "ifo/pgci_state.h"
 
 namespace tarvex {
 
@@ -56,6 +57,9 @@ struct IfoState {
   VtsAtrtState vts_atrt;
   PtlMaitState ptl_mait;
   TxtdtMgState txtdt_mg;
+  VtsPgcitState vts_pgcit;
+  PgciUtState vtsm_pgci_ut;
+  PgciUtState vmgm_pgci_ut;
 };
 
 }  // namespace tarvex

@@ -4,11 +4,13 @@
 
 #include "ifo/c_adt.h"
 #include "ifo/ptl_mait.h"
+#include "ifo/pgci_ut.h"
 #include "ifo/table.h"
 #include "ifo/txtdt_mg.h"
 #include "ifo/vmgi_mat.h"
 #include "ifo/vobu_admap.h"
 #include "ifo/vts_atrt.h"
+#include "ifo/vts_pgcit.h"
 #include "ifo/vtsi_mat.h"
 #include "platform/format.h"
 
@@ -23,6 +25,7 @@ const TableModule* const kModules[] = {
     &kVmgmCAdtModule, &kVtsmCAdtModule, &kVtsCAdtModule,
     &kVmgmVobuAdmapModule, &kVtsmVobuAdmapModule, &kVtsVobuAdmapModule,
     &kVtsAtrtModule, &kPtlMaitModule, &kTxtdtMgModule,
+    &kVtsPgcitModule, &kVtsmPgciUtModule, &kVtsmLuModule, &kVmgmPgciUtModule, &kVmgmLuModule,
 };
 // clang-format on
 

@@ -1,5 +1,6 @@
 #include "ifo/ifo_images.h"
 
+#include <algorithm>
 #include <fstream>
 
 #include "platform/bytes.h"
@@ -113,6 +114,15 @@ std::uint32_t AppendTable(std::vector<std::uint8_t>& image,
   std::uint32_t sector = static_cast<std::uint32_t>(image.size() / 2048);
   image.insert(image.end(), table.begin(), table.end());
   return sector;
+}
+
+void PlaceTable(std::vector<std::uint8_t>& image, std::size_t start_field, std::uint32_t sector,
+                const std::vector<std::uint8_t>& table) {
+  std::size_t at = std::size_t{sector} * 2048;
+  std::size_t end = (at + table.size() + 2047) / 2048 * 2048;
+  if (image.size() < end) image.resize(end, 0);
+  ByteWriter(image).put_be32(start_field, sector);
+  std::copy(table.begin(), table.end(), image.begin() + static_cast<std::ptrdiff_t>(at));
 }
 
 void WriteText(const std::string& path, const std::string& text) {

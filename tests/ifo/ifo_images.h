@@ -23,6 +23,10 @@ std::vector<std::uint8_t> MakeVtsImage();
 // Appends table at the next sector boundary of image (padding the image with zeros first)
 // and returns the table's start sector.
 std::uint32_t AppendTable(std::vector<std::uint8_t>& image, const std::vector<std::uint8_t>& table);
+// Puts table at sector of image (growing the image to whole sectors as needed) and stores
+// the sector, big-endian, in the start-sector field at start_field of sector 0.
+void PlaceTable(std::vector<std::uint8_t>& image, std::size_t start_field, std::uint32_t sector,
+                const std::vector<std::uint8_t>& table);
 
 // Writes text to path (an IfoSource), LF line ends.
 void WriteText(const std::string& path, const std::string& text);

@@ -51,7 +51,7 @@ TEST(VtsiMatOpenTest, OpenStepAddsHeadingLinesOnlyNotFullReports) {
   f.OpenBytes("VTS_01_0.IFO", test::MakeVtsImage(), kFileIfo);
   OpenTitleSet(*f.ctx, f.ctx->open.file_handle);
   for (const std::string& line : f.lines()) {
-    EXPECT_TRUE(line.find("IFO File") != std::string::npos || line.find("VOB") != std::string::npos)
+    EXPECT_TRUE(line.find(" File: ") != std::string::npos || line.find("VOB") != std::string::npos)
         << line;
   }
 }

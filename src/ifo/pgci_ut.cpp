@@ -1,0 +1,467 @@
+#include "ifo/pgci_ut.h"
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "ifo/pgc.h"
+#include "ifo/source.h"
+#include "ifo/vts_pgcit.h"
+#include "ifo/vtsi_mat.h"
+#include "platform/bytes.h"
+#include "platform/format.h"
+
+namespace tarvex {
+
+namespace {
+
+constexpr std::uint32_t kHeaderSize = 8;
+constexpr std::uint32_t kPointerSize = 8;
+// A language unit is read as one block of this size; its chains are found inside it.
+constexpr std::size_t kUnitBlockSize = 4096;
+constexpr const char* kLoadCaption = "Illegal source format!";
+
+// What tells the two instances apart: names, report texts and IfoSource keys.
+struct Instance {
+  PgciUtState IfoState::*state;
+  std::uint32_t (*start_sector)(const AppContext& ctx);
+  // Unit table lines.
+  const char* heading;
+  const char* absence;
+  const char* count_line;
+  const char* end_line;
+  const char* code_line;
+  const char* existence_line;
+  const char* start_line;
+  // Language unit lines.
+  const char* lu_name;
+  const char* lu_description;
+  const char* lu_absence;
+  const char* lu_total_line;  // shown once above the units, or nullptr
+  const char* lu_count_line;
+  const char* lu_end_line;
+  const char* pgc_category_line;
+  const char* pgc_address_line;
+  // Unit table section and keys.
+  const char* section;
+  const char* count_key;
+  const char* end_key;
+  const char* code_key;
+  const char* existence_key;
+  const char* start_key;
+  // Language unit section and keys; chain sections "<unit>_<chain>".
+  const char* lu_section;
+  const char* lu_count_key;
+  const char* lu_end_key;
+  const char* pgc_section;
+  const char* pgc_category_key;
+  const char* pgc_address_key;
+  const char* pgc_prefix;
+  // Load messages.
+  const char* code_missing;
+  const char* existence_missing;
+  const char* lu_missing;
+};
+
+constexpr Instance kTitleSetMenu = {
+    .state = &IfoState::vtsm_pgci_ut,
+    .start_sector = [](const AppContext& ctx) { return TitleSetStartSector(ctx, kVtsmPgciUtSa); },
+    .heading = "VTSM_PGCI_UT File: Video Title Set Menu PGCI Unit Table",
+    .absence = "** VTSM_PGCI_UT File: There is no Video Title Set Menu PGCI Unit Table",
+    .count_line = "Number of VTSM_PGCI_LUs: %d",
+    .end_line = "End byte address of VTSM_PGCI_LUs table: %d",
+    .code_line = "  Video Title Set Menu Language Code %d: %c%c",
+    .existence_line = "  Video Title Set Menu Existence %d: %x",
+    .start_line = "  Video Title Set Menu Language Start Address %d: %d",
+    .lu_name = "VTSM_LUI",
+    .lu_description = "Video Title Set Menu Language Unit Table",
+    .lu_absence = "** VTSM_LU File: There is no Video Title Set Menu Language Unit Table",
+    .lu_total_line = nullptr,
+    .lu_count_line = "LU %d Number of VTSM_PGCI_SRP: %d",
+    .lu_end_line = "LU %d End byte address of VTSM_LU_EA table: %d",
+    .pgc_category_line = "  VTSM_PGC Category %d: %x",
+    .pgc_address_line = "  VTSM_PGCI byte address %d: %d",
+    .section = "vtsm_pgci_ut",
+    .count_key = "vtsm_lu_ns",
+    .end_key = "vtsm_pgci_lu_ea",
+    .code_key = "vtsm_lu_srp%02d_lcd",
+    .existence_key = "vtsm_lu_srp%02d_exst",
+    .start_key = "vtsm_lu_srp%02d_lu_sa",
+    .lu_section = "vtsm_lu",
+    .lu_count_key = "vtsm_lui%02d_pgci_srp_ns",
+    .lu_end_key = "vtsm_lui%02d_lu_ea",
+    .pgc_section = "vtsm_lu%02d_%02d",
+    .pgc_category_key = "vtsm_lui_pgc_cat",
+    .pgc_address_key = "vtsm_lui_pgc_pgci_sa",
+    .pgc_prefix = "vtsm_pgc_",
+    .code_missing = "VTSM_PGCI_UT is missing AN vtsm_lu_srpnn_lcd statuement",
+    .existence_missing = "VTSM_PGCI_UT is missing an vtsm_lu_srpnn_exst statuement",
+    .lu_missing = "VTSM_LU: is missing the %s statement",
+};
+
+constexpr Instance kVideoManagerMenu = {
+    .state = &IfoState::vmgm_pgci_ut,
+    .start_sector = [](const AppContext& ctx) { return ctx.ifo.vmgi_mat.vmgm_pgci_ut_sa; },
+    .heading = "VMGM_PGCI_UT File: Video Manager Menu PGCI Unit Table",
+    .absence = "** VMGM_PGCI_UT File: There is no Video Manager Menu PGCI Unit Table",
+    .count_line = "Number of VMGM_PGCI_LUs: %d",
+    .end_line = "End byte address of VMGM_PGCI_LUs table: %d",
+    .code_line = "  Video Manager Menu Language Code %d: %c%c",
+    .existence_line = "  Video Manager Menu Existence %d: %x",
+    .start_line = "  Video Manager Menu Language Start Address %d: %d",
+    .lu_name = "VMGM_LUI",
+    .lu_description = "Video Manager Menu Language Unit Table",
+    .lu_absence = "** VMGM_LU File: There is no Video Manager Menu Language Unit Table",
+    .lu_total_line = "There are %d LU PGCs",
+    .lu_count_line = "LU %d Number of VMGM_PGCI_SRP: %d",
+    .lu_end_line = "LU %d End byte address of VMGM_LU_EA table: %d",
+    .pgc_category_line = "  VMGM_PGC Category %d: %x",
+    .pgc_address_line = "  VMGM_PGCI byte address %d: %d",
+    .section = "vmgm_pgci_ut",
+    .count_key = "vmgm_lu_ns",
+    .end_key = "vmgm_pgci_lu_ea",
+    .code_key = "vmgm_lu_srp%02d_lcd",
+    .existence_key = "vmgm_lu_srp%02d_exst",
+    .start_key = "vmgm_lu_srp%02d_lu_sa",
+    .lu_section = "vmgm_lu",
+    .lu_count_key = "vmgm_lui%02d_pgci_srp_ns",
+    .lu_end_key = "vmgm_lui%02d_lu_ea",
+    .pgc_section = "vmgm_lu%02d_%02d",
+    .pgc_category_key = "vmgm_lui_pgc_cat",
+    .pgc_address_key = "vmgm_lui_pgc_pgci_sa",
+    .pgc_prefix = "vmgm_pgc_",
+    .code_missing = "VMGM_PGCI_UT is missing AN vmgm_lu_srpnn_lcd statuement",
+    .existence_missing = "VMGM_PGCI_UT is missing an vmgm_lu_srpnn_exst statuement",
+    .lu_missing = "VMGM_LU: is missing the %s statement",
+};
+
+// Remembers the file and the table at sector and decodes its 8-byte header.
+void Locate(PgciUtState& s, File& ifo, std::uint32_t sector) {
+  s.file = &ifo;
+  s.start = static_cast<std::int64_t>(sector) * kSectorSize;
+  std::vector<std::uint8_t> header = ReadFileBlock(ifo, s.start, kHeaderSize);
+  s.count = ByteView(header).be16(0);
+  s.end_address = ByteView(header).be32(4);
+}
+
+// The unit table's body read afresh (end address AND 0xFFFF bytes after the header, zeros
+// beyond the end of the file) and how many unit search pointers it holds.
+struct UnitTable {
+  std::vector<std::uint8_t> body;
+  std::uint32_t units = 0;
+  ByteView view() const { return ByteView(body); }
+  std::size_t at(std::uint32_t n) const { return kPointerSize * (n - 1); }
+  std::uint32_t unit_offset(std::uint32_t n) const { return view().be32(at(n) + 4); }
+};
+
+UnitTable ReadUnitTable(const PgciUtState& s) {
+  UnitTable t;
+  std::int64_t at = s.start + kHeaderSize;
+  t.body = ReadFileBlock(*s.file, at, s.end_address & 0xFFFFu);
+  t.units = PointersPresent(s.count, t.body.size(), 0, at, s.file->Length());
+  return t;
+}
+
+// A language unit read as one 4096-byte block, and how many of its chain search pointers are
+// read: those inside the block and the file, and no more in one pass than the file has room
+// for 8-byte pointers (units that overlap cannot multiply the work).
+struct LanguageUnit {
+  std::vector<std::uint8_t> block;
+  std::uint32_t pgcs = 0;
+  ByteView view() const { return ByteView(block); }
+};
+
+LanguageUnit ReadLanguageUnit(const PgciUtState& s, std::uint32_t offset, std::uint64_t& budget) {
+  LanguageUnit lu;
+  std::int64_t pos = s.start + offset;
+  std::int64_t length = s.file->Length();
+  lu.block = ReadFileBlock(*s.file, pos, kUnitBlockSize);
+  std::uint32_t n = PointersPresent(lu.view().be16(0), lu.block.size(), kHeaderSize, pos, length);
+  lu.pgcs = static_cast<std::uint32_t>(std::min<std::uint64_t>(n, budget));
+  budget -= lu.pgcs;
+  return lu;
+}
+
+std::uint64_t PointerBudget(const PgciUtState& s) {
+  return static_cast<std::uint64_t>(std::max<std::int64_t>(s.file->Length(), 0)) / kPointerSize;
+}
+
+std::uint32_t OpenUnitTable(AppContext& ctx, const Instance& in, File& ifo) {
+  PgciUtState& s = ctx.ifo.*in.state;
+  s.file = nullptr;
+  std::uint32_t sector = in.start_sector(ctx);
+  if (sector == 0) {
+    ctx.AddReportLine(in.absence);
+    return 0;
+  }
+  Locate(s, ifo, sector);
+  ctx.AddReportLine(in.heading);
+  return s.end_address;
+}
+
+void ReportUnitTable(AppContext& ctx, const Instance& in) {
+  ctx.ClearReportList();
+  const PgciUtState& s = ctx.ifo.*in.state;
+  if (s.file == nullptr) return;
+  UnitTable t = ReadUnitTable(s);
+  ByteView v = t.view();
+  ctx.AddReportLine(Format(in.count_line, {s.count}));
+  ctx.AddReportLine(Format(in.end_line, {s.end_address}));
+  for (std::uint32_t n = 1; n <= t.units; ++n) {
+    ctx.AddReportLine(Format(in.code_line, {n, v.u8(t.at(n)), v.u8(t.at(n) + 1)}));
+    ctx.AddReportLine(Format(in.existence_line, {n, v.u8(t.at(n) + 3)}));
+    ctx.AddReportLine(Format(in.start_line, {n, t.unit_offset(n)}));
+  }
+}
+
+void DisassembleUnitTable(AppContext& ctx, const Instance& in) {
+  const PgciUtState& s = ctx.ifo.*in.state;
+  if (s.file == nullptr) return;
+  UnitTable t = ReadUnitTable(s);
+  ByteView v = t.view();
+  WriteSourceValue(ctx, in.section, in.count_key, Format("%d", {s.count}));
+  WriteSourceValue(ctx, in.section, in.end_key, Format("%d", {s.end_address}));
+  for (std::uint32_t n = 1; n <= t.units; ++n) {
+    WriteSourceValue(ctx, in.section, Format(in.code_key, {n}),
+                     Format("%c%c", {v.u8(t.at(n)), v.u8(t.at(n) + 1)}));
+    WriteSourceValue(ctx, in.section, Format(in.existence_key, {n}),
+                     Format("%02x", {v.u8(t.at(n) + 3)}));
+    WriteSourceValue(ctx, in.section, Format(in.start_key, {n}), Format("%d", {t.unit_offset(n)}));
+  }
+}
+
+std::uint32_t OpenLanguageUnits(AppContext& ctx, const Instance& in, File& ifo) {
+  PgciUtState& s = ctx.ifo.*in.state;
+  s.file = nullptr;
+  std::uint32_t sector = in.start_sector(ctx);
+  std::uint32_t defined = 0;
+  if (sector != 0) {
+    Locate(s, ifo, sector);
+    UnitTable t = ReadUnitTable(s);
+    for (std::uint32_t n = 1; n <= t.units; ++n) defined += t.unit_offset(n) != 0 ? 1 : 0;
+  }
+  if (defined != 0) {
+    AddHeadingLine(ctx, in.lu_name, in.lu_description);
+  } else {
+    ctx.AddReportLine(in.lu_absence);
+  }
+  return defined;
+}
+
+void ReportLanguageUnits(AppContext& ctx, const Instance& in) {
+  ctx.ClearReportList();
+  const PgciUtState& s = ctx.ifo.*in.state;
+  if (s.file == nullptr) return;
+  UnitTable t = ReadUnitTable(s);
+  if (in.lu_total_line != nullptr) ctx.AddReportLine(Format(in.lu_total_line, {s.count}));
+  std::uint64_t budget = PointerBudget(s);
+  for (std::uint32_t n = 1; n <= t.units; ++n) {
+    std::uint32_t offset = t.unit_offset(n);
+    if (offset == 0) {
+      ctx.AddReportLine(Format("Language Unit %d is not define.", {n}));
+      continue;
+    }
+    LanguageUnit lu = ReadLanguageUnit(s, offset, budget);
+    ByteView b = lu.view();
+    ctx.AddReportLine(Format(in.lu_count_line, {n, b.be16(0)}));
+    ctx.AddReportLine(Format(in.lu_end_line, {n, b.be32(4)}));
+    for (std::uint32_t p = 1; p <= lu.pgcs; ++p) {
+      std::size_t at = kHeaderSize + kPointerSize * (p - 1);
+      ctx.AddReportLine(Format(in.pgc_category_line, {p, b.be32(at)}));
+      ctx.AddReportLine(Format(in.pgc_address_line, {p, b.be32(at + 4)}));
+      pgc_report(ctx, 4, b, b.be32(at + 4));
+    }
+  }
+}
+
+void DisassembleLanguageUnits(AppContext& ctx, const Instance& in) {
+  const PgciUtState& s = ctx.ifo.*in.state;
+  if (s.file == nullptr) return;
+  UnitTable t = ReadUnitTable(s);
+  std::uint64_t budget = PointerBudget(s);
+  for (std::uint32_t n = 1; n <= t.units; ++n) {
+    std::uint32_t offset = t.unit_offset(n);
+    if (offset == 0) continue;
+    LanguageUnit lu = ReadLanguageUnit(s, offset, budget);
+    ByteView b = lu.view();
+    WriteSourceValue(ctx, in.lu_section, Format(in.lu_count_key, {n}), Format("%d", {b.be16(0)}));
+    WriteSourceValue(ctx, in.lu_section, Format(in.lu_end_key, {n}), Format("%d", {b.be32(4)}));
+    for (std::uint32_t p = 1; p <= lu.pgcs; ++p) {
+      std::size_t at = kHeaderSize + kPointerSize * (p - 1);
+      std::string section = Format(in.pgc_section, {n, p});
+      WriteSourceValue(ctx, section, in.pgc_category_key, Format("%08x", {b.be32(at)}));
+      WriteSourceValue(ctx, section, in.pgc_address_key, Format("%d", {b.be32(at + 4)}));
+      pgc_disassemble(ctx, b, b.be32(at + 4), in.pgc_prefix, section);
+    }
+  }
+}
+
+// Reads the units' search pointers; false (after the message) when one is missing.
+bool LoadUnitPointers(AppContext& ctx, const Instance& in, std::vector<LoadedLanguageUnit>& units) {
+  std::string value;
+  for (std::uint32_t n = 1; n <= units.size(); ++n) {
+    LoadedLanguageUnit& unit = units[n - 1];
+    if (!ReadSourceValue(ctx, in.section, Format(in.code_key, {n}), value)) {
+      ctx.ui.ShowMessage(in.code_missing, kLoadCaption);
+      return false;
+    }
+    unit.lcd[0] = value.size() > 0 ? static_cast<std::uint8_t>(value[0]) : 0;
+    unit.lcd[1] = value.size() > 1 ? static_cast<std::uint8_t>(value[1]) : 0;
+    if (!ReadSourceValue(ctx, in.section, Format(in.existence_key, {n}), value)) {
+      ctx.ui.ShowMessage(in.existence_missing, kLoadCaption);
+      return false;
+    }
+    unit.exst = ParseHexByte(value);
+  }
+  return true;
+}
+
+// Reads unit n's chains; false (after the message) when its count or a category is missing.
+bool LoadUnitChains(AppContext& ctx, const Instance& in, std::uint32_t n,
+                    LoadedLanguageUnit& unit) {
+  std::string value;
+  std::string count_key = Format(in.lu_count_key, {n});
+  if (!ReadSourceValue(ctx, in.lu_section, count_key, value)) {
+    ctx.ui.ShowMessage(Format(in.lu_missing, {count_key}), kLoadCaption);
+    return false;
+  }
+  std::uint32_t count = static_cast<std::uint16_t>(ParseDecimal(value));
+  for (std::uint32_t p = 1; p <= count; ++p) {
+    std::string section = Format(in.pgc_section, {n, p});
+    if (!ReadSourceValue(ctx, section, in.pgc_category_key, value)) {
+      ctx.ui.ShowMessage(Format(in.lu_missing, {in.pgc_category_key}), kLoadCaption);
+      return false;
+    }
+    LoadedPgc pgc;
+    pgc.category = ParseHexValue(value);
+    pgc.bytes = AssembleChainBytes(ctx, section, in.pgc_prefix);
+    unit.pgcs.push_back(std::move(pgc));
+  }
+  return true;
+}
+
+// Loads the units and all their chains. A load that stops at a message keeps the units whose
+// chains were all read before it; a missing search pointer statement keeps none.
+void LoadUnitTable(AppContext& ctx, const Instance& in) {
+  PgciUtState& s = ctx.ifo.*in.state;
+  s.units.clear();
+  std::string value;
+  if (!ReadSourceValue(ctx, in.section, in.count_key, value)) return;
+  std::vector<LoadedLanguageUnit> units(static_cast<std::uint16_t>(ParseDecimal(value)));
+  if (!LoadUnitPointers(ctx, in, units)) return;
+  for (std::uint32_t n = 1; n <= units.size(); ++n) {
+    if (!LoadUnitChains(ctx, in, n, units[n - 1])) return;
+    s.units.push_back(std::move(units[n - 1]));
+  }
+}
+
+// A unit's size: its header, its chain pointers and its chains.
+std::uint32_t UnitBytes(const LoadedLanguageUnit& unit) {
+  std::uint32_t bytes = kHeaderSize;
+  for (const LoadedPgc& pgc : unit.pgcs) {
+    bytes += kPointerSize + static_cast<std::uint32_t>(pgc.bytes.size());
+  }
+  return bytes;
+}
+
+// The table's size: header, one search pointer per unit, and the units.
+std::uint32_t TableBytes(const PgciUtState& s) {
+  if (s.units.empty()) return 0;
+  std::uint32_t bytes = kHeaderSize;
+  for (const LoadedLanguageUnit& unit : s.units) bytes += kPointerSize + UnitBytes(unit);
+  return bytes;
+}
+
+TableSize MeasureUnitTable(AppContext& ctx, const Instance& in) {
+  PgciUtState& s = ctx.ifo.*in.state;
+  std::uint32_t bytes = TableBytes(s);
+  if (bytes == 0) return {};
+  s.end_address = bytes - 1;
+  return {SectorsFor(bytes), bytes};
+}
+
+void EmitUnitTable(AppContext& ctx, const Instance& in, File& out) {
+  PgciUtState& s = ctx.ifo.*in.state;
+  std::uint32_t bytes = TableBytes(s);
+  if (bytes == 0) return;
+  std::vector<std::uint8_t> table;
+  table.reserve(bytes);
+  ByteAppender a(table);
+  a.be16(static_cast<std::uint32_t>(s.units.size()));
+  a.be16(0);
+  a.be32(bytes - 1);
+  std::uint32_t offset = kHeaderSize + kPointerSize * static_cast<std::uint32_t>(s.units.size());
+  for (const LoadedLanguageUnit& unit : s.units) {
+    a.u8(unit.lcd[0]);
+    a.u8(unit.lcd[1]);
+    a.u8(0);
+    a.u8(unit.exst);
+    a.be32(offset);
+    offset += UnitBytes(unit);
+  }
+  for (const LoadedLanguageUnit& unit : s.units) {
+    // The unit's end address field holds its size, not its size - 1 as the table's does.
+    auto pgcs = static_cast<std::uint32_t>(unit.pgcs.size());
+    a.be16(pgcs);
+    a.be16(0);
+    a.be32(UnitBytes(unit));
+    std::uint32_t pgc_offset = kHeaderSize + kPointerSize * pgcs;
+    for (const LoadedPgc& pgc : unit.pgcs) {
+      a.be32(pgc.category);
+      a.be32(pgc_offset);
+      pgc_offset += static_cast<std::uint32_t>(pgc.bytes.size());
+    }
+    for (const LoadedPgc& pgc : unit.pgcs) {
+      table.insert(table.end(), pgc.bytes.begin(), pgc.bytes.end());
+    }
+  }
+  out.Write(table.data(), table.size());
+  PadToSector(out);
+  s.units.clear();
+  s.count = 0;
+}
+
+}  // namespace
+
+const TableModule kVtsmPgciUtModule = {
+    .id = TableId::kVtsmPgciUt,
+    .OpenTable = [](AppContext& c, File& f) { return OpenUnitTable(c, kTitleSetMenu, f); },
+    .ReportTable = [](AppContext& c) { ReportUnitTable(c, kTitleSetMenu); },
+    .DisassembleTable = [](AppContext& c) { DisassembleUnitTable(c, kTitleSetMenu); },
+    .LoadTableSource = [](AppContext& c) { LoadUnitTable(c, kTitleSetMenu); },
+    .MeasureTable = [](AppContext& c) { return MeasureUnitTable(c, kTitleSetMenu); },
+    .EmitTable = [](AppContext& c, File& out) { EmitUnitTable(c, kTitleSetMenu, out); },
+};
+
+// The unit table's load loads the language units too, so their own load step is empty.
+const TableModule kVtsmLuModule = {
+    .id = TableId::kVtsmLu,
+    .OpenTable = [](AppContext& c, File& f) { return OpenLanguageUnits(c, kTitleSetMenu, f); },
+    .ReportTable = [](AppContext& c) { ReportLanguageUnits(c, kTitleSetMenu); },
+    .DisassembleTable = [](AppContext& c) { DisassembleLanguageUnits(c, kTitleSetMenu); },
+    .LoadTableSource = nullptr,
+    .MeasureTable = nullptr,
+    .EmitTable = nullptr,
+};
+
+const TableModule kVmgmPgciUtModule = {
+    .id = TableId::kVmgmPgciUt,
+    .OpenTable = [](AppContext& c, File& f) { return OpenUnitTable(c, kVideoManagerMenu, f); },
+    .ReportTable = [](AppContext& c) { ReportUnitTable(c, kVideoManagerMenu); },
+    .DisassembleTable = [](AppContext& c) { DisassembleUnitTable(c, kVideoManagerMenu); },
+    .LoadTableSource = [](AppContext& c) { LoadUnitTable(c, kVideoManagerMenu); },
+    .MeasureTable = [](AppContext& c) { return MeasureUnitTable(c, kVideoManagerMenu); },
+    .EmitTable = [](AppContext& c, File& out) { EmitUnitTable(c, kVideoManagerMenu, out); },
+};
+
+const TableModule kVmgmLuModule = {
+    .id = TableId::kVmgmLu,
+    .OpenTable = [](AppContext& c, File& f) { return OpenLanguageUnits(c, kVideoManagerMenu, f); },
+    .ReportTable = [](AppContext& c) { ReportLanguageUnits(c, kVideoManagerMenu); },
+    .DisassembleTable = [](AppContext& c) { DisassembleLanguageUnits(c, kVideoManagerMenu); },
+    .LoadTableSource = nullptr,
+    .MeasureTable = nullptr,
+    .EmitTable = nullptr,
+};
+
+}  // namespace tarvex

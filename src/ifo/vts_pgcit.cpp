@@ -1,0 +1,187 @@
+#include "ifo/vts_pgcit.h"
+
+#include <algorithm>
+#include <string>
+
+#include "ifo/pgc.h"
+#include "ifo/source.h"
+#include "ifo/vtsi_mat.h"
+#include "platform/bytes.h"
+#include "platform/format.h"
+
+namespace tarvex {
+
+namespace {
+
+constexpr const char* kName = "VTS_PGCITI";
+constexpr const char* kDescription = "Video title set Program Chain Information Table";
+constexpr const char* kSection = "vts_pgcit";
+constexpr const char* kMissingCaption = "Statement missing in vts_pgciti";
+constexpr const char* kPgcPrefix = "vts_pgc_";
+constexpr std::uint32_t kHeaderSize = 8;
+constexpr std::uint32_t kPointerSize = 8;
+
+// The table's body as read afresh from the file: the low 16 bits of the end address in bytes
+// from just after the header (zeros beyond the end of the file), and how many of its search
+// pointers are there to read.
+struct Body {
+  std::vector<std::uint8_t> bytes;
+  std::uint32_t pointers = 0;
+};
+
+Body ReadBody(const VtsPgcitState& s) {
+  Body body;
+  std::int64_t at = s.start + kHeaderSize;
+  body.bytes = ReadFileBlock(*s.file, at, s.end_address & 0xFFFFu);
+  body.pointers = PointersPresent(s.count, body.bytes.size(), 0, at, s.file->Length());
+  return body;
+}
+
+std::uint32_t OpenPgcit(AppContext& ctx, File& ifo) {
+  VtsPgcitState& s = ctx.ifo.vts_pgcit;
+  s.file = nullptr;
+  std::uint32_t sector = TitleSetStartSector(ctx, kVtsPgcitSa);
+  if (sector == 0) {
+    AddAbsenceLine(ctx, kName, kDescription);
+    return 0;
+  }
+  s.file = &ifo;
+  s.start = static_cast<std::int64_t>(sector) * kSectorSize;
+  std::vector<std::uint8_t> header = ReadFileBlock(ifo, s.start, kHeaderSize);
+  AddHeadingLine(ctx, kName, kDescription);
+  s.count = ByteView(header).be16(0);
+  s.end_address = ByteView(header).be32(4);
+  return s.end_address;
+}
+
+void ReportPgcit(AppContext& ctx) {
+  ctx.ClearReportList();
+  const VtsPgcitState& s = ctx.ifo.vts_pgcit;
+  if (s.file == nullptr) return;
+  Body body = ReadBody(s);
+  ByteView view(body.bytes);
+  ctx.AddReportLine(Format("Number of VTS_PGCI_SRP: %d", {s.count}));
+  ctx.AddReportLine(Format("End byte address of VTS_PGCI table: %d", {s.end_address}));
+  for (std::uint32_t n = 1; n <= body.pointers; ++n) {
+    std::size_t at = kPointerSize * (n - 1);
+    std::uint32_t offset = view.be32(at + 4);
+    ctx.AddReportLine(Format("  VTS_PGC Category %d: %08x", {n, view.be32(at)}));
+    ctx.AddReportLine(Format("  VTS_PGCI memory offset address %d: %d", {n, offset}));
+    ctx.AddReportLine(Format("    Program Chain Information Table (PGCI) %d", {n}));
+    // The body starts 8 bytes into the table; an offset inside the header reads as nothing.
+    pgc_report(ctx, 5, view, offset >= kHeaderSize ? offset - kHeaderSize : SIZE_MAX);
+  }
+}
+
+void DisassemblePgcit(AppContext& ctx) {
+  const VtsPgcitState& s = ctx.ifo.vts_pgcit;
+  if (s.file == nullptr) return;
+  Body body = ReadBody(s);
+  ByteView view(body.bytes);
+  WriteSourceValue(ctx, kSection, "vts_pgci_srp_ns", Format("%d", {s.count}));
+  WriteSourceValue(ctx, kSection, "vts_pgcit_ea", Format("%d", {s.end_address}));
+  for (std::uint32_t n = 1; n <= body.pointers; ++n) {
+    std::size_t at = kPointerSize * (n - 1);
+    std::uint32_t offset = view.be32(at + 4);
+    WriteSourceValue(ctx, kSection, Format("vts_pgc_cat%02d", {n}),
+                     Format("%08x", {view.be32(at)}));
+    WriteSourceValue(ctx, kSection, Format("vts_pgci_sa%02d", {n}), Format("%d", {offset}));
+    pgc_disassemble(ctx, view, offset >= kHeaderSize ? offset - kHeaderSize : SIZE_MAX, kPgcPrefix,
+                    Format("vts_pgcit%02d", {n}));
+  }
+}
+
+void LoadPgcit(AppContext& ctx) {
+  VtsPgcitState& s = ctx.ifo.vts_pgcit;
+  s.pgcs.clear();
+  s.count = 0;
+  s.end_address = 0;
+  std::string value;
+  if (!ReadSourceValue(ctx, kSection, "vts_pgci_srp_ns", value)) {
+    ReportMissingStatement(ctx, "vts_pgci_srp_ns", kMissingCaption);
+    return;
+  }
+  s.count = static_cast<std::uint16_t>(ParseDecimal(value));
+  for (std::uint32_t n = 1; n <= s.count; ++n) {
+    LoadedPgc pgc;
+    std::string key = Format("vts_pgc_cat%02d", {n});
+    if (ReadSourceValue(ctx, kSection, key, value)) {
+      pgc.category = ParseHexValue(value);
+    } else {
+      ReportMissingStatement(ctx, key, kMissingCaption);
+    }
+    pgc.bytes = AssembleChainBytes(ctx, Format("vts_pgcit%02d", {n}), kPgcPrefix);
+    s.pgcs.push_back(std::move(pgc));
+  }
+}
+
+// Header, pointers and chains: 8 + 8 x count + the chain sizes.
+std::uint32_t TableBytes(const VtsPgcitState& s) {
+  if (s.pgcs.empty()) return 0;
+  std::uint32_t bytes = kHeaderSize + kPointerSize * static_cast<std::uint32_t>(s.pgcs.size());
+  for (const LoadedPgc& pgc : s.pgcs) bytes += static_cast<std::uint32_t>(pgc.bytes.size());
+  return bytes;
+}
+
+TableSize MeasurePgcit(AppContext& ctx) {
+  VtsPgcitState& s = ctx.ifo.vts_pgcit;
+  std::uint32_t bytes = TableBytes(s);
+  if (bytes == 0) return {};
+  s.end_address = bytes - 1;
+  return {SectorsFor(bytes), bytes};
+}
+
+void EmitPgcit(AppContext& ctx, File& out) {
+  VtsPgcitState& s = ctx.ifo.vts_pgcit;
+  std::uint32_t bytes = TableBytes(s);
+  if (bytes == 0) return;
+  std::vector<std::uint8_t> table;
+  table.reserve(bytes);
+  ByteAppender a(table);
+  a.be16(static_cast<std::uint32_t>(s.pgcs.size()));
+  a.be16(0);
+  a.be32(bytes - 1);
+  // Chain n starts right after chain n - 1, the first right after the pointers.
+  std::uint32_t offset = kHeaderSize + kPointerSize * static_cast<std::uint32_t>(s.pgcs.size());
+  for (const LoadedPgc& pgc : s.pgcs) {
+    a.be32(pgc.category);
+    a.be32(offset);
+    offset += static_cast<std::uint32_t>(pgc.bytes.size());
+  }
+  for (const LoadedPgc& pgc : s.pgcs) table.insert(table.end(), pgc.bytes.begin(), pgc.bytes.end());
+  out.Write(table.data(), table.size());
+  s.pgcs.clear();
+  s.count = 0;
+  PadToSector(out);
+}
+
+}  // namespace
+
+const TableModule kVtsPgcitModule = {
+    .id = TableId::kVtsPgcit,
+    .OpenTable = OpenPgcit,
+    .ReportTable = ReportPgcit,
+    .DisassembleTable = DisassemblePgcit,
+    .LoadTableSource = LoadPgcit,
+    .MeasureTable = MeasurePgcit,
+    .EmitTable = EmitPgcit,
+};
+
+std::vector<std::uint8_t> AssembleChainBytes(AppContext& ctx, std::string_view section,
+                                             std::string_view prefix) {
+  pgc_assemble(ctx, section, prefix);
+  std::vector<std::uint8_t> bytes(pgc_layout(ctx), 0);
+  pgc_copy_out(ctx, bytes);
+  return bytes;
+}
+
+std::uint32_t PointersPresent(std::uint32_t count, std::size_t body_size, std::size_t pos,
+                              std::int64_t body_start, std::int64_t file_length) {
+  std::uint64_t in_body = body_size > pos ? (body_size - pos) / kPointerSize : 0;
+  std::int64_t file_bytes = file_length - body_start - static_cast<std::int64_t>(pos);
+  std::uint64_t in_file =
+      file_bytes > 0 ? static_cast<std::uint64_t>(file_bytes) / kPointerSize : 0;
+  return static_cast<std::uint32_t>(std::min<std::uint64_t>({count, in_body, in_file}));
+}
+
+}  // namespace tarvex

@@ -1,0 +1,28 @@
+// The title set PGCI table (VTS_PGCIT): a header, one search pointer (category and byte
+// offset) per program chain, and the program chains of the titles.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "app/context.h"
+#include "ifo/table.h"
+#include "platform/file_io.h"
+
+namespace tarvex {
+
+extern const TableModule kVtsPgcitModule;
+
+// Reads one program chain from section with the key prefix and returns its bytes as laid out
+// for writing (assemble, lay out, copy out).
+std::vector<std::uint8_t> AssembleChainBytes(AppContext& ctx, std::string_view section,
+                                             std::string_view prefix);
+
+// How many 8-byte search pointers, starting at byte pos of body (whose first byte lies at
+// file position body_start), are read: at most count, and only those lying wholly within
+// both the body and the file. This bounds every pointer loop by the bytes actually there.
+std::uint32_t PointersPresent(std::uint32_t count, std::size_t body_size, std::size_t pos,
+                              std::int64_t body_start, std::int64_t file_length);
+
+}  // namespace tarvex
