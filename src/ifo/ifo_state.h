@@ -6,6 +6,8 @@
 #include <cstdint>
 #include <vector>
 
+#include "ifo/srpt_state.h"
+
 namespace tarvex {
 
 // One program chain being assembled (the assembler handles one chain at a time).
@@ -49,6 +51,9 @@ struct IfoState {
   PgcAssembly pgc;
   VmgiMatState vmgi_mat;
   VtsiMatState vtsi_mat;
+  TtSrptState tt_srpt;
+  VtsPttSrptState vts_ptt_srpt;
+  VtsTmaptState vts_tmapt;
 };
 
 }  // namespace tarvex

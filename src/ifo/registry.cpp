@@ -3,7 +3,10 @@
 #include <array>
 
 #include "ifo/table.h"
+#include "ifo/tt_srpt.h"
 #include "ifo/vmgi_mat.h"
+#include "ifo/vts_ptt_srpt.h"
+#include "ifo/vts_tmapt.h"
 #include "ifo/vtsi_mat.h"
 #include "platform/format.h"
 
@@ -14,6 +17,9 @@ namespace {
 const TableModule* const kModules[] = {
     &kVmgiMatModule,
     &kVtsiMatModule,
+    &kTtSrptModule,      // VMG_PTT_SRPTI
+    &kVtsPttSrptModule,  // PTT_SRPTI
+    &kVtsTmaptModule,    // VTS_TMAPTI
 };
 
 }  // namespace
