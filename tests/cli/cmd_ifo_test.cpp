@@ -37,7 +37,8 @@ const std::string kVtsSource =
     "vtsm_ast_ns=0\nvtsm_ast_atr=0000000000000000\nvtsm_spst_ns=0\nvtsm_spst_atr=000000000000\n"
     "vts_v_atr=0000\nvts_ast_ns=0\nvts_spst_ns=0\n"
     "vts_mu_ast_atrt01=0\nvts_mu_ast_atrt02=0\nvts_mu_ast_atrt03=0\nvts_mu_ast_atrt04=0\n"
-    "vts_mu_ast_atrt05=0\nvts_mu_ast_atrt06=0\nvts_mu_ast_atrt07=0\nvts_mu_ast_atrt08=0\n";
+    "vts_mu_ast_atrt05=0\nvts_mu_ast_atrt06=0\nvts_mu_ast_atrt07=0\nvts_mu_ast_atrt08=0\n"
+    "[vts_ptt_srpt]\nvts_ttu_ns=0\n";
 
 TEST(CliAsmTest, AsmCommandAssemblesTheSourceIntoTheOutput) {
   test::TempDir dir;
@@ -122,7 +123,9 @@ TEST(CliIfoTest, IfoCommandPrintsTheOverview) {
   EXPECT_EQ(run.out,
             "VTSI_MAT IFO File: Video Title Set Information Management Table\n"
             "** VTSM_VOB: There is no VTS Menu VOB\n"
-            "VTS_VOB: VTS VOB starts at sector address: 1\n");
+            "VTS_VOB: VTS VOB starts at sector address: 1\n"
+            "** PTT_SRPTI IFO File: There is no Part of title search pointer table.\n"
+            "** VTS_TMAPTI IFO File: There is no Video Title Set Time Map Table\n");
 }
 
 TEST(CliIfoTest, IfoCommandTreatsAnyNameAsAnIfo) {
@@ -134,7 +137,9 @@ TEST(CliIfoTest, IfoCommandTreatsAnyNameAsAnIfo) {
   EXPECT_EQ(run.out,
             "VTSI_MAT IFO File: Video Title Set Information Management Table\n"
             "** VTSM_VOB: There is no VTS Menu VOB\n"
-            "VTS_VOB: VTS VOB starts at sector address: 1\n");
+            "VTS_VOB: VTS VOB starts at sector address: 1\n"
+            "** PTT_SRPTI IFO File: There is no Part of title search pointer table.\n"
+            "** VTS_TMAPTI IFO File: There is no Video Title Set Time Map Table\n");
 }
 
 TEST(CliIfoTest, IfoCommandOnAVobNamedFileListsNoRecords) {

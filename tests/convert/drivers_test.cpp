@@ -16,7 +16,8 @@ using test::Fixture;
 
 const std::vector<std::string> kVmgOverview = {
     "VMGI_MAT IFO File: Video Manager Information Management Table",
-    "VMGM_VOB: VMG Menu VOB starts at sector address: 1"};
+    "VMGM_VOB: VMG Menu VOB starts at sector address: 1",
+    "** VMG_PTT_SRPTI IFO File: There is no Part of title search pointer table."};
 
 TEST(IfoOverviewTest, VideoManagerShowsItsHeadingLines) {
   Fixture f;
@@ -33,7 +34,9 @@ TEST(IfoOverviewTest, TitleSetShowsItsHeadingLines) {
   EXPECT_EQ(f.lines(), (std::vector<std::string>{
                            "VTSI_MAT IFO File: Video Title Set Information Management Table",
                            "** VTSM_VOB: There is no VTS Menu VOB",
-                           "VTS_VOB: VTS VOB starts at sector address: 1"}));
+                           "VTS_VOB: VTS VOB starts at sector address: 1",
+                           "** PTT_SRPTI IFO File: There is no Part of title search pointer table.",
+                           "** VTS_TMAPTI IFO File: There is no Video Title Set Time Map Table"}));
 }
 
 TEST(IfoDetailsTest, HeadingLineShowsTheTableAndTheNextPressReturnsToTheOverview) {
@@ -58,7 +61,7 @@ TEST(IfoDetailsTest, LineMatchingNoTableDoesNothing) {
   ASSERT_EQ(f.lines()[1], "** VMGM_VOB: There is no VMG Menu VOB");
   f.ctx->report.Select(1);
   ShowIfoDetails(*f.ctx);
-  EXPECT_EQ(f.lines().size(), 2u);
+  EXPECT_EQ(f.lines().size(), 3u);
   EXPECT_EQ(f.lines()[1], "** VMGM_VOB: There is no VMG Menu VOB");
   EXPECT_EQ(f.ctx->stream.details_mode, 0);
 }
@@ -76,9 +79,9 @@ TEST(IfoDetailsTest, PrefixIsComparedCaseSensitively) {
   f.OpenBytes("VIDEO_TS.IFO", test::MakeVmgImage(), kFileIfo);
   ShowIfoOverview(*f.ctx);
   f.ctx->AddReportLine("vmgi_mat IFO File: lower case");
-  f.ctx->report.Select(2);
+  f.ctx->report.Select(f.lines().size() - 1);
   ShowIfoDetails(*f.ctx);
-  EXPECT_EQ(f.lines().size(), 3u);
+  EXPECT_EQ(f.lines().size(), kVmgOverview.size() + 1);
 }
 
 TEST(IfoDetailsTest, TableWithZeroHeaderValuesStillGetsItsDetails) {
@@ -150,14 +153,16 @@ TEST(IfoDisassemblyTest, TitleSetDisassemblyFollowsTheHeadingLines) {
 const std::string kVmgSource =
     "[vmgi_mat]\nvmg_id=DVDVIDEO-VMG\nvern=1.0\nvmg_cat=x00000000\nvlms_id=x0001000100000000\n"
     "vmg_ns=1\npvr_id=\npos_cd=x0000000000000000\nvmgm_v_atr=x0000\nvmgm_ast_ns=0\n"
-    "vmgm_ast_atr=x0000000000000000\nvmgm_spst_ns=0\nvmgm_spst_atr=x000000000000\n";
+    "vmgm_ast_atr=x0000000000000000\nvmgm_spst_ns=0\nvmgm_spst_atr=x000000000000\n"
+    "[vmg_ptt_srpt]\nvts_ttu_ns=0\n";
 
 const std::string kVtsSource =
     "[vtsi_mat]\nvts_id=DVDVIDEO-VTS\nvern=1.0\nvts_cat=00000000\nvtsm_v_atr=0000\n"
     "vtsm_ast_ns=0\nvtsm_ast_atr=0000000000000000\nvtsm_spst_ns=0\nvtsm_spst_atr=000000000000\n"
     "vts_v_atr=0000\nvts_ast_ns=0\nvts_spst_ns=0\n"
     "vts_mu_ast_atrt01=0\nvts_mu_ast_atrt02=0\nvts_mu_ast_atrt03=0\nvts_mu_ast_atrt04=0\n"
-    "vts_mu_ast_atrt05=0\nvts_mu_ast_atrt06=0\nvts_mu_ast_atrt07=0\nvts_mu_ast_atrt08=0\n";
+    "vts_mu_ast_atrt05=0\nvts_mu_ast_atrt06=0\nvts_mu_ast_atrt07=0\nvts_mu_ast_atrt08=0\n"
+    "[vts_ptt_srpt]\nvts_ttu_ns=0\n";
 
 std::vector<std::uint8_t> AssembleInteractively(Fixture& f, const std::string& source_name,
                                                 const std::string& text,
@@ -277,7 +282,8 @@ TEST(IfoBatchAssemblyTest, DisassembledIfoAssemblesBackToTheSameBytes) {
   AssembleBatch(*f.ctx);
   // vts_ea of the image (513) is what the title VOB beside the output gives: 0 + 1 + 512.
   EXPECT_EQ(test::ReadFileBytes(f.ctx->batch.obj_path), test::MakeVtsImage());
-  EXPECT_TRUE(f.ui.Messages().empty());
+  // The image has no part-of-title search pointer table, so the source has no count for it.
+  EXPECT_EQ(f.ui.Messages(), (std::vector<std::string>{"IFO assembler error!: vts_ttu_ns"}));
 }
 
 }  // namespace

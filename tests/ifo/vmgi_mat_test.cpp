@@ -20,7 +20,9 @@ TEST(VmgiMatOpenTest, OverviewShowsTheHeadingAndTheMenuVobLine) {
   EXPECT_EQ(OpenVideoManager(*f.ctx, f.ctx->open.file_handle), 1u);
   EXPECT_EQ(f.lines(), (std::vector<std::string>{
                            "VMGI_MAT IFO File: Video Manager Information Management Table",
-                           "VMGM_VOB: VMG Menu VOB starts at sector address: 1"}));
+                           "VMGM_VOB: VMG Menu VOB starts at sector address: 1",
+                           "** VMG_PTT_SRPTI IFO File: There is no Part of title search "
+                           "pointer table."}));
 }
 
 TEST(VmgiMatOpenTest, NoMenuVobGivesItsAbsenceLine) {
@@ -29,7 +31,7 @@ TEST(VmgiMatOpenTest, NoMenuVobGivesItsAbsenceLine) {
   ByteWriter(image).put_be32(192, 0);
   f.OpenBytes("VIDEO_TS.IFO", image, kFileIfo);
   OpenVideoManager(*f.ctx, f.ctx->open.file_handle);
-  ASSERT_EQ(f.lines().size(), 2u);
+  ASSERT_EQ(f.lines().size(), 3u);
   EXPECT_EQ(f.lines()[1], "** VMGM_VOB: There is no VMG Menu VOB");
 }
 

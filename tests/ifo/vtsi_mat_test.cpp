@@ -21,7 +21,9 @@ TEST(VtsiMatOpenTest, OverviewShowsTheHeadingAndBothVobLines) {
   EXPECT_EQ(f.lines(), (std::vector<std::string>{
                            "VTSI_MAT IFO File: Video Title Set Information Management Table",
                            "** VTSM_VOB: There is no VTS Menu VOB",
-                           "VTS_VOB: VTS VOB starts at sector address: 1"}));
+                           "VTS_VOB: VTS VOB starts at sector address: 1",
+                           "** PTT_SRPTI IFO File: There is no Part of title search pointer table.",
+                           "** VTS_TMAPTI IFO File: There is no Video Title Set Time Map Table"}));
 }
 
 TEST(VtsiMatOpenTest, MenuVobLineAndMissingTitleVobLine) {
