@@ -7,7 +7,7 @@ namespace tarvex {
 
 RecordReader::RecordReader(File& file, std::size_t block_size)
     : file_(file),
-      block_(std::max(kRecordSize, block_size / kRecordSize * kRecordSize)),
+      block_size_(std::max(kRecordSize, block_size / kRecordSize * kRecordSize)),
       own_(kRecordSize, 0),
       own_data_(own_.data()),
       current_(own_data_) {
@@ -37,6 +37,7 @@ void RecordReader::KeepCurrent() {
 
 void RecordReader::DropReadAhead() {
   KeepCurrent();
+  mapping_.Reset();
   base_ = nullptr;
   available_ = 0;
   offset_ = 0;
@@ -48,13 +49,26 @@ std::span<std::uint8_t> RecordReader::MutableRecord() {
 }
 
 bool RecordReader::Refill() {
-  // The block is about to be overwritten: keep the current record, which a short read would
+  // The block is about to be replaced: keep the current record, which a short read would
   // leave behind its own bytes.
   DropReadAhead();
+  offset_ = 0;
+  return MapBlock() || ReadBlock();
+}
+
+// The window is cut at the file's length as it is now, like a read would be.
+bool RecordReader::MapBlock() {
+  mapping_ = file_.MapForReading(position_, block_size_);
+  base_ = mapping_.data();
+  available_ = mapping_.size();
+  return available_ > 0;
+}
+
+bool RecordReader::ReadBlock() {
+  block_.resize(block_size_);
   file_.Seek(position_);
   available_ = file_.Read(block_.data(), block_.size());
   base_ = block_.data();
-  offset_ = 0;
   return available_ > 0;
 }
 

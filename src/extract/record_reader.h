@@ -1,6 +1,8 @@
-// Reads the open program stream record by record through one large block buffer. Each record
-// it yields holds exactly what a 2048-byte read into one persistent record buffer would hold:
-// a short last read leaves the previous record's bytes (as the caller left them, for instance
+// Reads the open program stream record by record through one large block: a window of the file
+// mapped into memory (so records are classified and copied out without first being copied
+// into a buffer), or a block read into a buffer when the file cannot be mapped. Each record it
+// yields holds exactly what a 2048-byte read into one persistent record buffer would hold: a
+// short last read leaves the previous record's bytes (as the caller left them, for instance
 // byte-swapped in place) behind the bytes it got. A new reader starts from a zeroed buffer.
 // Memory use is one block plus one record, whatever the file size.
 #pragma once
@@ -18,9 +20,8 @@ namespace tarvex {
 class RecordReader {
  public:
   static constexpr std::size_t kRecordSize = 2048;
-  // Large enough to read in few calls, small enough to stay in the processor cache while
-  // the records are classified and copied out.
-  static constexpr std::size_t kDefaultBlockSize = 256 * 1024;  // bytes, a multiple of 2048
+  // Large enough to map or read in few calls, small enough to keep the resident memory low.
+  static constexpr std::size_t kDefaultBlockSize = 4 * 1024 * 1024;  // bytes, a multiple of 2048
 
   // block_size is rounded down to whole records (at least one).
   explicit RecordReader(File& file, std::size_t block_size = kDefaultBlockSize);
@@ -50,8 +51,13 @@ class RecordReader {
   bool Refill();
   void KeepCurrent();
 
+  bool MapBlock();
+  bool ReadBlock();
+
   File& file_;
-  std::vector<std::uint8_t> block_;
+  std::size_t block_size_;
+  MappedRegion mapping_;
+  std::vector<std::uint8_t> block_;     // only when the file cannot be mapped
   const std::uint8_t* base_ = nullptr;  // the block
   std::size_t available_ = 0;           // valid bytes at base_
   std::size_t offset_ = 0;              // next unread byte at base_

@@ -111,6 +111,9 @@ void StoreSourceValue(ByteWriter out, const FieldDesc& field, std::uint32_t i,
     case LoadRule::kDecimal:
       PutNumber(out, field, off, ParseDecimal(text));
       break;
+    case LoadRule::kXDecimal:
+      PutNumber(out, field, off, ParseDecimal(text.starts_with('x') ? text.substr(1) : text));
+      break;
     case LoadRule::kText:
       for (std::size_t c = 0; c < field.width; ++c) {
         out.put_u8(off + c, c < text.size() ? static_cast<std::uint8_t>(text[c]) : 0);

@@ -41,6 +41,7 @@ enum class SourceForm : std::uint8_t {
 enum class LoadRule : std::uint8_t {
   kComputed,  // written for reference only, never read back
   kDecimal,   // atol, truncated to the field's width
+  kXDecimal,  // atol after one optional leading "x", truncated to the field's width
   kText,      // the first characters, up to the field's length (field cleared first)
   kVersion,   // first character major, from the third character minor
   kHexBytes,  // two characters per byte after an optional "x"

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "ifo/adt_state.h"
 #include "ifo/srpt_state.h"
 
 namespace tarvex {
@@ -51,6 +52,11 @@ struct IfoState {
   PgcAssembly pgc;
   VmgiMatState vmgi_mat;
   VtsiMatState vtsi_mat;
+  std::array<CAdtState, 3> c_adt;  // video manager menus, title set menus, title set titles
+  std::array<VobuAdmapState, 3> vobu_admap;  // the same three VOB sets
+  VtsAtrtState vts_atrt;
+  PtlMaitState ptl_mait;
+  TxtdtMgState txtdt_mg;
   TtSrptState tt_srpt;
   VtsPttSrptState vts_ptt_srpt;
   VtsTmaptState vts_tmapt;

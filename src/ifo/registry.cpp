@@ -2,9 +2,14 @@
 // through FindTableModule and need no change.
 #include <array>
 
+#include "ifo/c_adt.h"
+#include "ifo/ptl_mait.h"
 #include "ifo/table.h"
 #include "ifo/tt_srpt.h"
+#include "ifo/txtdt_mg.h"
 #include "ifo/vmgi_mat.h"
+#include "ifo/vobu_admap.h"
+#include "ifo/vts_atrt.h"
 #include "ifo/vts_ptt_srpt.h"
 #include "ifo/vts_tmapt.h"
 #include "ifo/vtsi_mat.h"
@@ -14,13 +19,16 @@ namespace tarvex {
 
 namespace {
 
+// clang-format off
 const TableModule* const kModules[] = {
     &kVmgiMatModule,
     &kVtsiMatModule,
-    &kTtSrptModule,      // VMG_PTT_SRPTI
-    &kVtsPttSrptModule,  // PTT_SRPTI
-    &kVtsTmaptModule,    // VTS_TMAPTI
+    &kVmgmCAdtModule, &kVtsmCAdtModule, &kVtsCAdtModule,
+    &kVmgmVobuAdmapModule, &kVtsmVobuAdmapModule, &kVtsVobuAdmapModule,
+    &kVtsAtrtModule, &kPtlMaitModule, &kTxtdtMgModule,
+    &kTtSrptModule, &kVtsPttSrptModule, &kVtsTmaptModule,
 };
+// clang-format on
 
 }  // namespace
 

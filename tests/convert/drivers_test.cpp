@@ -16,40 +16,45 @@ using test::Fixture;
 
 const std::vector<std::string> kVmgOverview = {
     "VMGI_MAT IFO File: Video Manager Information Management Table",
-    "VMGM_VOB: VMG Menu VOB starts at sector address: 1",
-    "** VMG_PTT_SRPTI IFO File: There is no Part of title search pointer table."};
+    "VMGM_VOB: VMG Menu VOB starts at sector address: 1"};
+
+// The first n lines (the information table's own; the other tables' lines follow).
+std::vector<std::string> Head(const Fixture& f, std::size_t n) {
+  return {f.lines().begin(),
+          f.lines().begin() + static_cast<std::ptrdiff_t>(std::min(n, f.lines().size()))};
+}
 
 TEST(IfoOverviewTest, VideoManagerShowsItsHeadingLines) {
   Fixture f;
   f.OpenBytes("VIDEO_TS.IFO", test::MakeVmgImage(), kFileIfo);
   f.ctx->AddReportLine("old line");
   ShowIfoOverview(*f.ctx);
-  EXPECT_EQ(f.lines(), kVmgOverview);
+  EXPECT_EQ(Head(f, 2), kVmgOverview);
 }
 
 TEST(IfoOverviewTest, TitleSetShowsItsHeadingLines) {
   Fixture f;
   f.OpenBytes("VTS_01_0.IFO", test::MakeVtsImage(), kFileIfo);
   ShowIfoOverview(*f.ctx);
-  EXPECT_EQ(f.lines(), (std::vector<std::string>{
-                           "VTSI_MAT IFO File: Video Title Set Information Management Table",
-                           "** VTSM_VOB: There is no VTS Menu VOB",
-                           "VTS_VOB: VTS VOB starts at sector address: 1",
-                           "** PTT_SRPTI IFO File: There is no Part of title search pointer table.",
-                           "** VTS_TMAPTI IFO File: There is no Video Title Set Time Map Table"}));
+  EXPECT_EQ(Head(f, 3), (std::vector<std::string>{
+                            "VTSI_MAT IFO File: Video Title Set Information Management Table",
+                            "** VTSM_VOB: There is no VTS Menu VOB",
+                            "VTS_VOB: VTS VOB starts at sector address: 1"}));
 }
 
 TEST(IfoDetailsTest, HeadingLineShowsTheTableAndTheNextPressReturnsToTheOverview) {
   Fixture f;
   f.OpenBytes("VIDEO_TS.IFO", test::MakeVmgImage(), kFileIfo);
   ShowIfoOverview(*f.ctx);
+  std::vector<std::string> overview = f.lines();
   f.ctx->report.Select(0);
   ShowIfoDetails(*f.ctx);
   ASSERT_FALSE(f.lines().empty());
   EXPECT_EQ(f.lines()[0], "VMG Identifier: DVDVIDEO-VMG");
   EXPECT_EQ(f.lines().back(), "VMG has no First Play PGC");
   ShowIfoDetails(*f.ctx);
-  EXPECT_EQ(f.lines(), kVmgOverview);
+  EXPECT_EQ(f.lines(), overview);
+  EXPECT_EQ(Head(f, 2), kVmgOverview);
 }
 
 TEST(IfoDetailsTest, LineMatchingNoTableDoesNothing) {
@@ -59,9 +64,10 @@ TEST(IfoDetailsTest, LineMatchingNoTableDoesNothing) {
   f.OpenBytes("VIDEO_TS.IFO", image, kFileIfo);
   ShowIfoOverview(*f.ctx);
   ASSERT_EQ(f.lines()[1], "** VMGM_VOB: There is no VMG Menu VOB");
+  std::vector<std::string> overview = f.lines();
   f.ctx->report.Select(1);
   ShowIfoDetails(*f.ctx);
-  EXPECT_EQ(f.lines().size(), 3u);
+  EXPECT_EQ(f.lines(), overview);
   EXPECT_EQ(f.lines()[1], "** VMGM_VOB: There is no VMG Menu VOB");
   EXPECT_EQ(f.ctx->stream.details_mode, 0);
 }
@@ -70,18 +76,20 @@ TEST(IfoDetailsTest, NoSelectedLineDoesNothing) {
   Fixture f;
   f.OpenBytes("VIDEO_TS.IFO", test::MakeVmgImage(), kFileIfo);
   ShowIfoOverview(*f.ctx);
+  std::vector<std::string> overview = f.lines();
   ShowIfoDetails(*f.ctx);
-  EXPECT_EQ(f.lines(), kVmgOverview);
+  EXPECT_EQ(f.lines(), overview);
 }
 
 TEST(IfoDetailsTest, PrefixIsComparedCaseSensitively) {
   Fixture f;
   f.OpenBytes("VIDEO_TS.IFO", test::MakeVmgImage(), kFileIfo);
   ShowIfoOverview(*f.ctx);
+  std::size_t overview = f.lines().size();
   f.ctx->AddReportLine("vmgi_mat IFO File: lower case");
-  f.ctx->report.Select(f.lines().size() - 1);
+  f.ctx->report.Select(overview);
   ShowIfoDetails(*f.ctx);
-  EXPECT_EQ(f.lines().size(), kVmgOverview.size() + 1);
+  EXPECT_EQ(f.lines().size(), overview + 1);
 }
 
 TEST(IfoDetailsTest, TableWithZeroHeaderValuesStillGetsItsDetails) {
@@ -154,6 +162,7 @@ const std::string kVmgSource =
     "[vmgi_mat]\nvmg_id=DVDVIDEO-VMG\nvern=1.0\nvmg_cat=x00000000\nvlms_id=x0001000100000000\n"
     "vmg_ns=1\npvr_id=\npos_cd=x0000000000000000\nvmgm_v_atr=x0000\nvmgm_ast_ns=0\n"
     "vmgm_ast_atr=x0000000000000000\nvmgm_spst_ns=0\nvmgm_spst_atr=x000000000000\n"
+    "[vts_atrt]\nvts_ns=0\n"
     "[vmg_ptt_srpt]\nvts_ttu_ns=0\n";
 
 const std::string kVtsSource =

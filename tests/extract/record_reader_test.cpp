@@ -78,6 +78,11 @@ TEST(RecordReader, LargeFileAcrossManyBlocks) {
   ExpectSameAsRecordByRecord(3 * 1024 * 1024 + 2048 * 7 + 1234, 1 << 20);
 }
 
+TEST(RecordReader, BlocksStartingInsideAMemoryPage) {
+  // Blocks of three records: every other block starts 2048 bytes into a 4096-byte page.
+  ExpectSameAsRecordByRecord(11 * 2048 + 300, 3 * 2048);
+}
+
 TEST(RecordReader, DropReadAheadRereadsTheFileAsItNowIs) {
   TempDir dir;
   Bytes bytes = Pattern(6 * 2048, 1);

@@ -107,6 +107,14 @@ std::vector<std::uint8_t> MakeVtsImage() {
   return image;
 }
 
+std::uint32_t AppendTable(std::vector<std::uint8_t>& image,
+                          const std::vector<std::uint8_t>& table) {
+  image.resize((image.size() + 2047) / 2048 * 2048, 0);
+  std::uint32_t sector = static_cast<std::uint32_t>(image.size() / 2048);
+  image.insert(image.end(), table.begin(), table.end());
+  return sector;
+}
+
 void WriteText(const std::string& path, const std::string& text) {
   std::ofstream out(path, std::ios::binary | std::ios::trunc);
   out << text;

@@ -20,6 +20,10 @@ std::vector<std::uint8_t> MakeVmgImage(const std::vector<std::uint8_t>& first_pl
 // stream and one sub-picture stream, no tables.
 std::vector<std::uint8_t> MakeVtsImage();
 
+// Appends table at the next sector boundary of image (padding the image with zeros first)
+// and returns the table's start sector.
+std::uint32_t AppendTable(std::vector<std::uint8_t>& image, const std::vector<std::uint8_t>& table);
+
 // Writes text to path (an IfoSource), LF line ends.
 void WriteText(const std::string& path, const std::string& text);
 

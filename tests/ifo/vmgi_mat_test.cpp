@@ -18,11 +18,11 @@ TEST(VmgiMatOpenTest, OverviewShowsTheHeadingAndTheMenuVobLine) {
   Fixture f;
   f.OpenBytes("VIDEO_TS.IFO", test::MakeVmgImage(), kFileIfo);
   EXPECT_EQ(OpenVideoManager(*f.ctx, f.ctx->open.file_handle), 1u);
-  EXPECT_EQ(f.lines(), (std::vector<std::string>{
-                           "VMGI_MAT IFO File: Video Manager Information Management Table",
-                           "VMGM_VOB: VMG Menu VOB starts at sector address: 1",
-                           "** VMG_PTT_SRPTI IFO File: There is no Part of title search "
-                           "pointer table."}));
+  ASSERT_GE(f.lines().size(), 2u);  // the other tables' lines follow
+  EXPECT_EQ(
+      std::vector<std::string>(f.lines().begin(), f.lines().begin() + 2),
+      (std::vector<std::string>{"VMGI_MAT IFO File: Video Manager Information Management Table",
+                                "VMGM_VOB: VMG Menu VOB starts at sector address: 1"}));
 }
 
 TEST(VmgiMatOpenTest, NoMenuVobGivesItsAbsenceLine) {
@@ -31,7 +31,7 @@ TEST(VmgiMatOpenTest, NoMenuVobGivesItsAbsenceLine) {
   ByteWriter(image).put_be32(192, 0);
   f.OpenBytes("VIDEO_TS.IFO", image, kFileIfo);
   OpenVideoManager(*f.ctx, f.ctx->open.file_handle);
-  ASSERT_EQ(f.lines().size(), 3u);
+  ASSERT_GE(f.lines().size(), 2u);
   EXPECT_EQ(f.lines()[1], "** VMGM_VOB: There is no VMG Menu VOB");
 }
 

@@ -18,12 +18,12 @@ TEST(VtsiMatOpenTest, OverviewShowsTheHeadingAndBothVobLines) {
   Fixture f;
   f.OpenBytes("VTS_01_0.IFO", test::MakeVtsImage(), kFileIfo);
   EXPECT_EQ(OpenTitleSet(*f.ctx, f.ctx->open.file_handle), 1u);
-  EXPECT_EQ(f.lines(), (std::vector<std::string>{
-                           "VTSI_MAT IFO File: Video Title Set Information Management Table",
-                           "** VTSM_VOB: There is no VTS Menu VOB",
-                           "VTS_VOB: VTS VOB starts at sector address: 1",
-                           "** PTT_SRPTI IFO File: There is no Part of title search pointer table.",
-                           "** VTS_TMAPTI IFO File: There is no Video Title Set Time Map Table"}));
+  ASSERT_GE(f.lines().size(), 3u);  // the other tables' lines follow
+  EXPECT_EQ(
+      std::vector<std::string>(f.lines().begin(), f.lines().begin() + 3),
+      (std::vector<std::string>{"VTSI_MAT IFO File: Video Title Set Information Management Table",
+                                "** VTSM_VOB: There is no VTS Menu VOB",
+                                "VTS_VOB: VTS VOB starts at sector address: 1"}));
 }
 
 TEST(VtsiMatOpenTest, MenuVobLineAndMissingTitleVobLine) {

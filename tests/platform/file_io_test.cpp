@@ -56,5 +56,50 @@ TEST(FileIoTest, ReadOfRegularFileIsBlocking) {
   EXPECT_EQ(f.Read(buf, sizeof buf), 0u);
 }
 
+// A file of n bytes whose byte i is (i * 7 + 3) & 0xFF.
+std::vector<std::uint8_t> MappingPattern(std::size_t n) {
+  std::vector<std::uint8_t> bytes(n);
+  for (std::size_t i = 0; i < n; ++i) bytes[i] = static_cast<std::uint8_t>(i * 7 + 3);
+  return bytes;
+}
+
+TEST(FileIoTest, MappingStartsAtAnyPositionAndStopsAtTheEnd) {
+  test::TempDir dir;
+  std::vector<std::uint8_t> bytes = MappingPattern(10000);
+  test::WriteFileBytes(dir.file("in"), bytes);
+  File f = File::OpenRead(dir.file("in"));
+  // 2048 is not a page boundary: the view still starts at byte 2048.
+  MappedRegion region = f.MapForReading(2048, 1 << 20);
+  ASSERT_EQ(region.size(), 10000u - 2048u);
+  EXPECT_EQ(region.data()[0], bytes[2048]);
+  EXPECT_EQ(region.data()[region.size() - 1], bytes[9999]);
+  MappedRegion part = f.MapForReading(100, 50);
+  ASSERT_EQ(part.size(), 50u);
+  EXPECT_EQ(part.data()[49], bytes[149]);
+}
+
+TEST(FileIoTest, MappingAtOrBeyondTheEndIsEmpty) {
+  test::TempDir dir;
+  test::WriteFileBytes(dir.file("in"), MappingPattern(4096));
+  File f = File::OpenRead(dir.file("in"));
+  EXPECT_EQ(f.MapForReading(4096, 2048).size(), 0u);
+  EXPECT_EQ(f.MapForReading(9000, 2048).size(), 0u);
+  EXPECT_EQ(f.MapForReading(-1, 2048).size(), 0u);
+  File closed;
+  EXPECT_EQ(closed.MapForReading(0, 2048).size(), 0u);
+}
+
+TEST(FileIoTest, MappingSeesTheLengthTheFileHasNow) {
+  test::TempDir dir;
+  test::WriteFileBytes(dir.file("in"), MappingPattern(8192));
+  File f = File::OpenRead(dir.file("in"));
+  test::WriteFileBytes(dir.file("in"), MappingPattern(3000));  // shortened behind the handle
+  MappedRegion region = f.MapForReading(2048, 8192);
+  EXPECT_EQ(region.size(), 3000u - 2048u);
+  region.Reset();
+  EXPECT_EQ(region.size(), 0u);
+  EXPECT_EQ(region.data(), nullptr);
+}
+
 }  // namespace
 }  // namespace tarvex

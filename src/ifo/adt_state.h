@@ -1,0 +1,55 @@
+// State of the cell address tables, the VOBU address maps and the video manager's attribute,
+// parental and text data tables: what the open step read from the IFO and what the load step
+// read from the IfoSource for the next assembly.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <vector>
+
+namespace tarvex {
+
+// One cell address table (C_ADT): 8-byte header, then 12 bytes per cell.
+struct CAdtState {
+  bool open = false;
+  std::int64_t entries_pos = 0;  // byte position of the first cell in the IFO
+  std::uint16_t vob_ns = 0;
+  std::uint32_t end_address = 0;
+  // Loaded for assembly: the header's VOB count and the cells in load order.
+  std::uint16_t loaded_vob_ns = 0;
+  std::vector<std::array<std::uint8_t, 12>> cells;
+};
+
+// One VOBU address map: a 32-bit end address, then one 32-bit start sector per VOBU.
+struct VobuAdmapState {
+  bool open = false;
+  std::int64_t entries_pos = 0;  // byte position of the first start sector in the IFO
+  std::uint32_t end_address = 0;
+  // The map that is read when it is opened: its entry bytes, or no room for them.
+  bool entries_failed = false;
+  std::vector<std::uint8_t> entries;
+  std::vector<std::uint32_t> loaded;  // start sectors loaded for assembly
+};
+
+// The title set attribute table (VTS_ATRT).
+struct VtsAtrtState {
+  bool open = false;
+  std::int64_t area_pos = 0;  // byte position right after the 8-byte header
+  std::uint16_t vts_ns = 0;
+  std::uint32_t end_address = 0;
+  std::vector<std::array<std::uint8_t, 776>> records;  // loaded for assembly
+};
+
+// The parental management information table (PTL_MAIT).
+struct PtlMaitState {
+  bool open = false;
+  std::int64_t table_pos = 0;
+};
+
+// The text data manager (TXTDT_MG).
+struct TxtdtMgState {
+  bool open = false;
+  std::int64_t table_pos = 0;
+};
+
+}  // namespace tarvex

@@ -1,0 +1,217 @@
+#include "ifo/c_adt.h"
+
+#include <algorithm>
+#include <string>
+
+#include "ifo/source.h"
+#include "ifo/vtsi_mat.h"
+#include "platform/bytes.h"
+#include "platform/format.h"
+
+namespace tarvex {
+
+namespace {
+
+constexpr std::uint32_t kHeaderBytes = 8;
+constexpr std::uint32_t kCellBytes = 12;
+constexpr std::uint32_t kMaxVobs = 255;
+constexpr std::uint32_t kMaxCellsPerVob = 99;
+// Every variant reports a missing cell statement under the title set menu table's name.
+constexpr const char* kMissingCaption = "Statement missing in vtsm_c_adt";
+
+struct CAdtVariant {
+  std::size_t slot;  // index into IfoState::c_adt
+  const char* name;
+  const char* description;  // heading; the absence line adds a full stop
+  const char* section;
+  const char* count_key;
+  const char* end_key;
+  const char* count_line;
+  std::uint32_t (*start_sector)(const AppContext& ctx);
+};
+
+std::uint32_t VmgmStart(const AppContext& ctx) {
+  return ctx.ifo.vmgi_mat.vmgm_c_adt_sa;
+}
+std::uint32_t VtsmStart(const AppContext& ctx) {
+  return TitleSetStartSector(ctx, kVtsmCAdtSa);
+}
+std::uint32_t VtsStart(const AppContext& ctx) {
+  return TitleSetStartSector(ctx, kVtsCAdtSa);
+}
+
+constexpr CAdtVariant kVariants[] = {
+    {0, "VMGM_C_ADT", "VMGM Cell Address Table information", "vmgm_c_adt", "vmgm_vob_ns",
+     "vmgm_c_adt_ea", "Number of VOBs in VMGM_VOBS %d", VmgmStart},
+    {1, "VTSM_C_ADT", "Video Title Set Menu Cell Address Table", "vtsm_c_adt", "vtsm_vob_ns",
+     "vtsm_c_adt_ea", "Number of VOBs in VTSM_VOBS: %d", VtsmStart},
+    {2, "VTS_C_ADT", "Video Title Set Cell Address Table", "vts_c_adt", "vts_vob_ns",
+     "vts_c_adt_ea", "Number of VOBs in VTS_VOBS: %d", VtsStart},
+};
+
+std::uint32_t Open(AppContext& ctx, const CAdtVariant& v, File& ifo) {
+  CAdtState& s = ctx.ifo.c_adt[v.slot];
+  s.open = false;
+  std::uint32_t start = v.start_sector(ctx);
+  if (start == 0) {
+    AddAbsenceLine(ctx, v.name, (std::string(v.description) + ".").c_str());
+    return 0;
+  }
+  std::int64_t pos = std::int64_t{start} * kSectorSize;
+  std::vector<std::uint8_t> header = ReadFileBlock(ifo, pos, kHeaderBytes);
+  AddHeadingLine(ctx, v.name, v.description);
+  s.vob_ns = ByteView(header).be16(0);
+  s.end_address = ByteView(header).be32(4);
+  s.entries_pos = pos + kHeaderBytes;
+  s.open = true;
+  return s.end_address;
+}
+
+// The cell entries as the table holds them: the low 16 bits of the end address give the bytes
+// read (zeros beyond the end of the file).
+std::vector<std::uint8_t> ReadCells(AppContext& ctx, const CAdtState& s) {
+  return ReadFileBlock(ctx.open.file_handle, s.entries_pos, s.end_address & 0xFFFFu);
+}
+
+// (end address - 7) / 12 cells, none when negative, and no cell that would start beyond the
+// end of the file.
+std::uint32_t CellCount(AppContext& ctx, const CAdtState& s) {
+  std::int32_t cells = static_cast<std::int32_t>(s.end_address - 7u) / 12;
+  if (cells <= 0) return 0;
+  std::int64_t rest = ctx.open.file_handle.Length() - s.entries_pos;
+  std::int64_t in_file = rest > 0 ? (rest + kCellBytes - 1) / kCellBytes : 0;
+  return static_cast<std::uint32_t>(std::min<std::int64_t>(cells, in_file));
+}
+
+void Report(AppContext& ctx, const CAdtVariant& v) {
+  ctx.ClearReportList();
+  const CAdtState& s = ctx.ifo.c_adt[v.slot];
+  if (!s.open) return;
+  ctx.AddReportLine(Format(v.count_line, {s.vob_ns}));
+  ctx.AddReportLine(Format("End byte address of %s table: %d", {v.name, s.end_address}));
+  std::vector<std::uint8_t> block = ReadCells(ctx, s);
+  ByteView cells(block);
+  std::uint32_t count = CellCount(ctx, s);
+  for (std::uint32_t i = 0; i < count; ++i) {
+    std::size_t off = std::size_t{i} * kCellBytes;
+    ctx.AddReportLine(Format("For table entry %d VOB ID %d Cell ID %d.",
+                             {i + 1, cells.be16(off), cells.u8(off + 2)}));
+    ctx.AddReportLine(Format("Start sector address is %d and end sector addres is %d.",
+                             {cells.be32(off + 4), cells.be32(off + 8)}));
+  }
+}
+
+// Writes the header keys and as many cells as the header counts VOBs (later cells are left
+// out: that is how this table has always been written).
+void Disassemble(AppContext& ctx, const CAdtVariant& v) {
+  const CAdtState& s = ctx.ifo.c_adt[v.slot];
+  if (!s.open) return;
+  WriteSourceValue(ctx, v.section, v.count_key, Format("%d", {s.vob_ns}));
+  WriteSourceValue(ctx, v.section, v.end_key, Format("%d", {s.end_address}));
+  std::vector<std::uint8_t> block = ReadCells(ctx, s);
+  ByteView cells(block);
+  std::uint32_t count = std::min<std::uint32_t>(s.vob_ns, CellCount(ctx, s));
+  for (std::uint32_t i = 0; i < count; ++i) {
+    std::size_t off = std::size_t{i} * kCellBytes;
+    std::string prefix = Format("c_%03d_vob%03d_vts_", {cells.u8(off + 2), cells.be16(off)});
+    WriteSourceValue(ctx, v.section, prefix + "vob_idn", Format("%d", {cells.be16(off)}));
+    WriteSourceValue(ctx, v.section, prefix + "c_idn", Format("%d", {cells.u8(off + 2)}));
+    WriteSourceValue(ctx, v.section, prefix + "cp_sa", Format("%d", {cells.be32(off + 4)}));
+    WriteSourceValue(ctx, v.section, prefix + "cp_ea", Format("%d", {cells.be32(off + 8)}));
+  }
+}
+
+// Reads the cell ID and the two sector keys of one cell; false (after the message) at the
+// first missing one.
+bool LoadCellFields(AppContext& ctx, const CAdtVariant& v, std::uint32_t cell, std::uint32_t vob,
+                    std::array<std::uint8_t, 12>& entry) {
+  struct Field {
+    const char* name;
+    std::size_t offset;
+  };
+  constexpr Field kFields[] = {{"c_idn", 2}, {"cp_sa", 4}, {"cp_ea", 8}};
+  ByteWriter w(entry);
+  std::string value;
+  for (const Field& field : kFields) {
+    std::string key = Format("c_%03d_vob%03d_vts_%s", {cell, vob, field.name});
+    if (!ReadSourceValue(ctx, v.section, key, value)) {
+      ReportMissingStatement(ctx, key, kMissingCaption);
+      return false;
+    }
+    std::uint32_t n = ParseDecimal(value);
+    if (field.offset == 2) {
+      w.put_u8(field.offset, static_cast<std::uint8_t>(n));
+    } else {
+      w.put_be32(field.offset, n);
+    }
+  }
+  return true;
+}
+
+// The cells of VOB 1, 2, ... each numbered from 1 up to the first missing one; the walk ends
+// at the first VOB without a cell 1.
+void Load(AppContext& ctx, const CAdtVariant& v) {
+  CAdtState& s = ctx.ifo.c_adt[v.slot];
+  s.cells.clear();
+  s.loaded_vob_ns = 0;
+  std::string value;
+  if (!ReadSourceValue(ctx, v.section, v.count_key, value)) return;
+  s.loaded_vob_ns = static_cast<std::uint16_t>(ParseDecimal(value));
+  for (std::uint32_t vob = 1; vob <= kMaxVobs; ++vob) {
+    if (!ReadSourceValue(ctx, v.section, Format("c_001_vob%03d_vts_vob_idn", {vob}), value)) {
+      return;
+    }
+    for (std::uint32_t cell = 1; cell <= kMaxCellsPerVob; ++cell) {
+      std::string key = Format("c_%03d_vob%03d_vts_vob_idn", {cell, vob});
+      if (!ReadSourceValue(ctx, v.section, key, value)) break;
+      std::array<std::uint8_t, 12>& entry = s.cells.emplace_back();
+      entry.fill(0);
+      ByteWriter(entry).put_be16(0, ParseDecimal(value));
+      if (!LoadCellFields(ctx, v, cell, vob, entry)) break;
+    }
+  }
+}
+
+TableSize Measure(AppContext& ctx, const CAdtVariant& v) {
+  const CAdtState& s = ctx.ifo.c_adt[v.slot];
+  if (s.cells.empty()) return {};
+  std::uint32_t bytes = kHeaderBytes + kCellBytes * static_cast<std::uint32_t>(s.cells.size());
+  return {SectorsFor(bytes), bytes};
+}
+
+void Emit(AppContext& ctx, const CAdtVariant& v, File& out) {
+  CAdtState& s = ctx.ifo.c_adt[v.slot];
+  if (s.cells.empty()) return;
+  std::uint32_t n = static_cast<std::uint32_t>(s.cells.size());
+  std::vector<std::uint8_t> bytes;
+  ByteAppender a(bytes);
+  a.be16(s.loaded_vob_ns);
+  a.be16(0);
+  a.be32(TableEndAddress(kHeaderBytes, n, kCellBytes));
+  for (const auto& cell : s.cells) a.bytes(ByteView(cell.data(), cell.size()));
+  out.Write(bytes.data(), bytes.size());
+  PadToSector(out);
+  s.cells.clear();
+  s.cells.shrink_to_fit();
+  s.loaded_vob_ns = 0;
+}
+
+// The module of variant V: each operation runs the one implementation above on its data.
+template <std::size_t V>
+constexpr TableModule MakeModule(TableId id) {
+  return {id,
+          [](AppContext& ctx, File& ifo) { return Open(ctx, kVariants[V], ifo); },
+          [](AppContext& ctx) { Report(ctx, kVariants[V]); },
+          [](AppContext& ctx) { Disassemble(ctx, kVariants[V]); },
+          [](AppContext& ctx) { Load(ctx, kVariants[V]); },
+          [](AppContext& ctx) { return Measure(ctx, kVariants[V]); },
+          [](AppContext& ctx, File& out) { Emit(ctx, kVariants[V], out); }};
+}
+
+}  // namespace
+
+const TableModule kVmgmCAdtModule = MakeModule<0>(TableId::kVmgmCAdt);
+const TableModule kVtsmCAdtModule = MakeModule<1>(TableId::kVtsmCAdt);
+const TableModule kVtsCAdtModule = MakeModule<2>(TableId::kVtsCAdt);
+
+}  // namespace tarvex

@@ -1,0 +1,234 @@
+#include "ifo/vts_atrt.h"
+
+#include <algorithm>
+#include <string>
+
+#include "ifo/fields.h"
+#include "ifo/source.h"
+#include "platform/bytes.h"
+#include "platform/format.h"
+
+namespace tarvex {
+
+namespace {
+
+constexpr std::uint32_t kHeaderBytes = 8;
+constexpr std::uint32_t kPointerBytes = 4;
+constexpr std::uint32_t kRecordBytes = 776;
+constexpr const char* kName = "VMG_ATRT";
+constexpr const char* kDescription = "Video Title Set Attribute Table";
+constexpr const char* kSection = "vts_atrt";
+constexpr const char* kMissingCaption = "Statement missing in vts_atrt!";
+
+constexpr FieldDesc Count(const char* key, std::uint16_t offset, const char* report) {
+  return {.key = key,
+          .offset = offset,
+          .width = 1,
+          .store = Store::kU8,
+          .form = SourceForm::kDecimal,
+          .load = LoadRule::kDecimal,
+          .style = ReportStyle::kValue,
+          .report = report};
+}
+
+// A menu stream's single attribute byte: written as hex, read back as a decimal number after
+// the "x" (so x1f comes back as 1): the established reading of these keys.
+constexpr FieldDesc MenuStreamByte(const char* key, std::uint16_t offset, std::int16_t count_at,
+                                   const char* report) {
+  return {.key = key,
+          .offset = offset,
+          .width = 1,
+          .store = Store::kU8,
+          .form = SourceForm::kHexBytesX,
+          .load = LoadRule::kXDecimal,
+          .style = ReportStyle::kValue,
+          .report = report,
+          .count_at = count_at,
+          .stride = 1};
+}
+
+constexpr FieldDesc AttributeBytes(const char* key, std::uint16_t offset, std::uint16_t width,
+                                   std::int16_t count_at, const char* report) {
+  return {.key = key,
+          .offset = offset,
+          .width = width,
+          .store = Store::kBytes,
+          .form = SourceForm::kHexBytesX,
+          .load = LoadRule::kHexBytes,
+          .style = ReportStyle::kBytes,
+          .report = report,
+          .count_at = count_at,
+          .stride = count_at >= 0 ? width : std::uint16_t{0}};
+}
+
+// The 776-byte record of one title set (offsets within the record). Keys take the prefix
+// "vts_atrt_srp%03d_" with the title set number.
+constexpr FieldDesc kRecord[] = {
+    {.key = "vts_atr_ea",
+     .offset = 0,
+     .width = 4,
+     .store = Store::kBe32,
+     .form = SourceForm::kDecimal,
+     .load = LoadRule::kComputed,
+     .style = ReportStyle::kValue,
+     .report = "    VTS Attribute end byte address %d"},
+    {.key = "vts_cat",
+     .offset = 4,
+     .width = 4,
+     .store = Store::kBe32,
+     .form = SourceForm::kDecimal,
+     .load = LoadRule::kDecimal,
+     .style = ReportStyle::kValue,
+     .report = "    VTS_CAT Application type %d"},
+    AttributeBytes("vtsm_v_atr", 8, 2, -1, "    Attributes of VTSM_VOBS: %x%x"),
+    Count("vtsm_ast_ns", 11, "    Number of audio streams in VTSM_VOBS: %d"),
+    MenuStreamByte("vtsm_ast_atr%02d", 12, 11, "      Audio %d attributes: %x"),
+    Count("vtsm_spst_ns", 93, "    Number of subpicture streams: %d"),
+    MenuStreamByte("vtsm_spst_atr%02d", 94, 93, "      Subpicture stream %d attributes: %x"),
+    AttributeBytes("vts_v_atr", 264, 2, -1, "    Video attributes of VTSTT_VOBS: %x%x"),
+    Count("vts_ast_ns", 267, "    Number of audio streams in VTSTT_VOBS: %d"),
+    AttributeBytes("vts_ast_atr%02d", 268, 8, 267,
+                   "      Audio %d attributes: %02x%02x%02x%02x%02x%02x%02x%02x"),
+    Count("vts_spst_ns", 349, "    Number of subpicture streams in VTSTT_VOBS: %d"),
+    // Reported by the first byte of each 6-byte block.
+    AttributeBytes("vts_spst_atr%02d", 350, 6, 349, "      Subpicture stream %d attributes: %x"),
+};
+
+std::string RecordPrefix(std::uint32_t title_set) {
+  return Format("vts_atrt_srp%03d_", {title_set});
+}
+
+std::uint32_t Open(AppContext& ctx, File& ifo) {
+  VtsAtrtState& s = ctx.ifo.vts_atrt;
+  s.open = false;
+  std::uint32_t start = ctx.ifo.vmgi_mat.vts_atrt_sa;
+  if (start == 0) {
+    AddAbsenceLine(ctx, kName, "Video Title Set Attribute Table.");
+    return 0;
+  }
+  std::int64_t pos = std::int64_t{start} * kSectorSize;
+  std::vector<std::uint8_t> header = ReadFileBlock(ifo, pos, kHeaderBytes);
+  AddHeadingLine(ctx, kName, kDescription);
+  s.vts_ns = ByteView(header).be16(0);
+  s.end_address = ByteView(header).be32(4);
+  s.area_pos = pos + kHeaderBytes;
+  s.open = true;
+  return s.vts_ns;
+}
+
+// The end-address bytes after the header; what lies beyond the end of the file reads 0.
+std::vector<std::uint8_t> ReadArea(AppContext& ctx, const VtsAtrtState& s) {
+  std::int64_t rest = std::max<std::int64_t>(ctx.open.file_handle.Length() - s.area_pos, 0);
+  std::int64_t bytes = std::min<std::int64_t>(s.end_address, rest);
+  return ReadFileBlock(ctx.open.file_handle, s.area_pos, static_cast<std::size_t>(bytes));
+}
+
+// The title sets whose search pointer starts within the file: a damaged count must not make
+// the report and the disassembly run on through zeros.
+std::uint32_t TitleSetCount(AppContext& ctx, const VtsAtrtState& s) {
+  std::int64_t rest = ctx.open.file_handle.Length() - s.area_pos;
+  std::int64_t in_file = rest > 0 ? (rest + kPointerBytes - 1) / kPointerBytes : 0;
+  return static_cast<std::uint32_t>(std::min<std::int64_t>(s.vts_ns, in_file));
+}
+
+// The record at a byte offset from the table start (the area begins 8 bytes in); reads run on
+// into whatever follows the record in the table.
+ByteView RecordAt(ByteView area, std::uint32_t table_offset) {
+  return table_offset >= kHeaderBytes ? area.sub(table_offset - kHeaderBytes) : ByteView();
+}
+
+void Report(AppContext& ctx) {
+  ctx.ClearReportList();
+  const VtsAtrtState& s = ctx.ifo.vts_atrt;
+  if (!s.open) return;
+  ctx.AddReportLine(Format("Number of Video Title Sets: %d", {s.vts_ns}));
+  ctx.AddReportLine(Format("End byte address of VTS_ATR table: %d", {s.end_address}));
+  std::vector<std::uint8_t> block = ReadArea(ctx, s);
+  ByteView area(block);
+  for (std::uint32_t i = 0, n = TitleSetCount(ctx, s); i < n; ++i) {
+    std::uint32_t offset = area.be32(kPointerBytes * i);
+    ctx.AddReportLine(Format("  VTS %d Attribute start byte address %d", {i + 1, offset}));
+    ReportFields(ctx, RecordAt(area, offset), kRecord);
+  }
+}
+
+void Disassemble(AppContext& ctx) {
+  const VtsAtrtState& s = ctx.ifo.vts_atrt;
+  if (!s.open) return;
+  WriteSourceValue(ctx, kSection, "vts_ns", Format("%d", {s.vts_ns}));
+  WriteSourceValue(ctx, kSection, "vts_atrt_ea", Format("%d", {s.end_address}));
+  std::vector<std::uint8_t> block = ReadArea(ctx, s);
+  ByteView area(block);
+  for (std::uint32_t i = 0, n = TitleSetCount(ctx, s); i < n; ++i) {
+    std::string prefix = RecordPrefix(i + 1);
+    std::uint32_t offset = area.be32(kPointerBytes * i);
+    WriteSourceValue(ctx, kSection, prefix + "vts_atr_sa", Format("%d", {offset}));
+    DisassembleFields(ctx, RecordAt(area, offset), kRecord, kSection, prefix);
+  }
+}
+
+// The count of title sets, then one zeroed record per title set filled key by key; a missing
+// key is reported and its field stays 0.
+void Load(AppContext& ctx) {
+  std::vector<std::array<std::uint8_t, 776>>& records = ctx.ifo.vts_atrt.records;
+  records.clear();
+  std::string value;
+  if (!ReadSourceValue(ctx, kSection, "vts_ns", value)) {
+    ReportMissingStatement(ctx, "vts_ns", kMissingCaption);
+    return;
+  }
+  std::uint16_t count = static_cast<std::uint16_t>(ParseDecimal(value));
+  records.resize(count);
+  for (std::uint32_t i = 0; i < count; ++i) {
+    std::array<std::uint8_t, 776>& record = records[i];
+    record.fill(0);
+    LoadFields(ctx, ByteWriter(record), ByteView(record.data(), record.size()), kRecord, kSection,
+               kMissingCaption, RecordPrefix(i + 1));
+  }
+}
+
+std::uint32_t TableBytes(std::uint32_t count) {
+  return kHeaderBytes + (kPointerBytes + kRecordBytes) * count;
+}
+
+TableSize Measure(AppContext& ctx) {
+  std::uint32_t count = static_cast<std::uint32_t>(ctx.ifo.vts_atrt.records.size());
+  if (count == 0) return {};
+  return {SectorsFor(TableBytes(count)), TableBytes(count)};
+}
+
+void Emit(AppContext& ctx, File& out) {
+  std::vector<std::array<std::uint8_t, 776>>& records = ctx.ifo.vts_atrt.records;
+  std::uint32_t count = static_cast<std::uint32_t>(records.size());
+  if (count == 0) return;
+  std::vector<std::uint8_t> bytes;
+  ByteAppender a(bytes);
+  a.be16(count);
+  a.be16(0);
+  a.be32(TableBytes(count) - 1);
+  for (std::uint32_t i = 0; i < count; ++i) {
+    a.be32(kHeaderBytes + kPointerBytes * count + kRecordBytes * i);
+  }
+  for (std::array<std::uint8_t, 776>& record : records) {
+    ByteWriter(record).put_be32(0, kRecordBytes - 1);
+    a.bytes(ByteView(record.data(), record.size()));
+  }
+  out.Write(bytes.data(), bytes.size());
+  PadToSector(out);
+  records.clear();
+  records.shrink_to_fit();
+}
+
+}  // namespace
+
+const TableModule kVtsAtrtModule = {
+    .id = TableId::kVmgAtrt,
+    .OpenTable = Open,
+    .ReportTable = Report,
+    .DisassembleTable = Disassemble,
+    .LoadTableSource = Load,
+    .MeasureTable = Measure,
+    .EmitTable = Emit,
+};
+
+}  // namespace tarvex

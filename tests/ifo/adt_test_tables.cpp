@@ -1,0 +1,63 @@
+#include "ifo/adt_test_tables.h"
+
+#include "ifo/ifo_images.h"
+#include "platform/bytes.h"
+#include "platform/file_io.h"
+#include "support/test_support.h"
+
+namespace tarvex::test {
+
+std::vector<std::uint8_t> MakeCAdt(std::uint16_t vob_ns, const std::vector<CellEntry>& cells,
+                                   std::int64_t end_address) {
+  std::vector<std::uint8_t> table;
+  ByteAppender a(table);
+  a.be16(vob_ns);
+  a.be16(0);
+  a.be32(end_address >= 0 ? static_cast<std::uint32_t>(end_address)
+                          : static_cast<std::uint32_t>(8 + 12 * cells.size() - 1));
+  for (const CellEntry& c : cells) {
+    a.be16(c.vob);
+    a.u8(c.cell);
+    a.u8(0);
+    a.be32(c.first_sector);
+    a.be32(c.last_sector);
+  }
+  return table;
+}
+
+std::vector<std::uint8_t> MakeVobuAdmap(const std::vector<std::uint32_t>& sectors,
+                                        std::int64_t end_address) {
+  std::vector<std::uint8_t> table;
+  ByteAppender a(table);
+  a.be32(end_address >= 0 ? static_cast<std::uint32_t>(end_address)
+                          : static_cast<std::uint32_t>(4 * sectors.size() + 3));
+  for (std::uint32_t s : sectors) a.be32(s);
+  return table;
+}
+
+std::vector<std::uint8_t> WithTables(
+    std::vector<std::uint8_t> image,
+    const std::vector<std::pair<std::size_t, std::vector<std::uint8_t>>>& tables) {
+  for (const auto& [offset, table] : tables) {
+    std::uint32_t sector = AppendTable(image, table);
+    ByteWriter(image).put_be32(offset, sector);
+  }
+  return image;
+}
+
+std::vector<std::uint8_t> AssembleTable(AppContext& ctx, const std::string& dir, TableId id,
+                                        const std::string& source, TableSize* size) {
+  ctx.convert.source_path = dir + "/SOURCE.INI";
+  WriteText(ctx.convert.source_path, source);
+  LoadTableSource(ctx, id);
+  TableSize measured = MeasureTable(ctx, id);
+  if (size) *size = measured;
+  std::string out_path = dir + "/TABLE.BIN";
+  {
+    File out = File::Create(out_path);
+    EmitTable(ctx, id, out);
+  }
+  return ReadFileBytes(out_path);
+}
+
+}  // namespace tarvex::test
