@@ -8,6 +8,7 @@
 
 #include "ifo/adt_state.h"
 #include "ifo/pgci_state.h"
+#include "ifo/srpt_state.h"
 
 namespace tarvex {
 
@@ -60,6 +61,9 @@ struct IfoState {
   VtsPgcitState vts_pgcit;
   PgciUtState vtsm_pgci_ut;
   PgciUtState vmgm_pgci_ut;
+  TtSrptState tt_srpt;
+  VtsPttSrptState vts_ptt_srpt;
+  VtsTmaptState vts_tmapt;
 };
 
 }  // namespace tarvex

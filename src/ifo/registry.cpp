@@ -6,11 +6,14 @@
 #include "ifo/ptl_mait.h"
 #include "ifo/pgci_ut.h"
 #include "ifo/table.h"
+#include "ifo/tt_srpt.h"
 #include "ifo/txtdt_mg.h"
 #include "ifo/vmgi_mat.h"
 #include "ifo/vobu_admap.h"
 #include "ifo/vts_atrt.h"
 #include "ifo/vts_pgcit.h"
+#include "ifo/vts_ptt_srpt.h"
+#include "ifo/vts_tmapt.h"
 #include "ifo/vtsi_mat.h"
 #include "platform/format.h"
 
@@ -26,6 +29,7 @@ const TableModule* const kModules[] = {
     &kVmgmVobuAdmapModule, &kVtsmVobuAdmapModule, &kVtsVobuAdmapModule,
     &kVtsAtrtModule, &kPtlMaitModule, &kTxtdtMgModule,
     &kVtsPgcitModule, &kVtsmPgciUtModule, &kVtsmLuModule, &kVmgmPgciUtModule, &kVmgmLuModule,
+    &kTtSrptModule, &kVtsPttSrptModule, &kVtsTmaptModule,
 };
 // clang-format on
 

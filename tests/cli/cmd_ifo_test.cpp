@@ -38,7 +38,8 @@ const std::string kVtsSource =
     "vts_v_atr=0000\nvts_ast_ns=0\nvts_spst_ns=0\n"
     "vts_mu_ast_atrt01=0\nvts_mu_ast_atrt02=0\nvts_mu_ast_atrt03=0\nvts_mu_ast_atrt04=0\n"
     "vts_mu_ast_atrt05=0\nvts_mu_ast_atrt06=0\nvts_mu_ast_atrt07=0\nvts_mu_ast_atrt08=0\n"
-    "[vts_pgcit]\nvts_pgci_srp_ns=0\n";  // no title chains: the table is left out
+    "[vts_pgcit]\nvts_pgci_srp_ns=0\n"  // no title chains: the table is left out
+    "[vts_ptt_srpt]\nvts_ttu_ns=0\n";
 
 TEST(CliAsmTest, AsmCommandAssemblesTheSourceIntoTheOutput) {
   test::TempDir dir;

@@ -162,7 +162,8 @@ const std::string kVmgSource =
     "[vmgi_mat]\nvmg_id=DVDVIDEO-VMG\nvern=1.0\nvmg_cat=x00000000\nvlms_id=x0001000100000000\n"
     "vmg_ns=1\npvr_id=\npos_cd=x0000000000000000\nvmgm_v_atr=x0000\nvmgm_ast_ns=0\n"
     "vmgm_ast_atr=x0000000000000000\nvmgm_spst_ns=0\nvmgm_spst_atr=x000000000000\n"
-    "[vts_atrt]\nvts_ns=0\n";
+    "[vts_atrt]\nvts_ns=0\n"
+    "[vmg_ptt_srpt]\nvts_ttu_ns=0\n";
 
 const std::string kVtsSource =
     "[vtsi_mat]\nvts_id=DVDVIDEO-VTS\nvern=1.0\nvts_cat=00000000\nvtsm_v_atr=0000\n"
@@ -170,7 +171,8 @@ const std::string kVtsSource =
     "vts_v_atr=0000\nvts_ast_ns=0\nvts_spst_ns=0\n"
     "vts_mu_ast_atrt01=0\nvts_mu_ast_atrt02=0\nvts_mu_ast_atrt03=0\nvts_mu_ast_atrt04=0\n"
     "vts_mu_ast_atrt05=0\nvts_mu_ast_atrt06=0\nvts_mu_ast_atrt07=0\nvts_mu_ast_atrt08=0\n"
-    "[vts_pgcit]\nvts_pgci_srp_ns=0\n";  // no title chains: the table is left out
+    "[vts_pgcit]\nvts_pgci_srp_ns=0\n"  // no title chains: the table is left out
+    "[vts_ptt_srpt]\nvts_ttu_ns=0\n";
 
 std::vector<std::uint8_t> AssembleInteractively(Fixture& f, const std::string& source_name,
                                                 const std::string& text,
@@ -290,9 +292,11 @@ TEST(IfoBatchAssemblyTest, DisassembledIfoAssemblesBackToTheSameBytes) {
   AssembleBatch(*f.ctx);
   // vts_ea of the image (513) is what the title VOB beside the output gives: 0 + 1 + 512.
   EXPECT_EQ(test::ReadFileBytes(f.ctx->batch.obj_path), test::MakeVtsImage());
-  // The image has no title set PGCI table, so the source has no count for it.
+  // The image has neither a title set PGCI table nor a part-of-title search pointer table, so
+  // the source has no count for either.
   EXPECT_EQ(f.ui.Messages(),
-            (std::vector<std::string>{"Statement missing in vts_pgciti: vts_pgci_srp_ns"}));
+            (std::vector<std::string>{"Statement missing in vts_pgciti: vts_pgci_srp_ns",
+                                      "IFO assembler error!: vts_ttu_ns"}));
 }
 
 }  // namespace

@@ -1,0 +1,44 @@
+#include "ifo/opened_table.h"
+
+#include "ifo/source.h"
+#include "ifo/table.h"
+#include "platform/bytes.h"
+
+namespace tarvex {
+
+std::uint32_t OpenCountedTable(AppContext& ctx, File& ifo, std::uint32_t start_sector,
+                               const TableNames& names, OpenedTable& table) {
+  table = OpenedTable{};
+  if (start_sector == 0) {
+    AddAbsenceLine(ctx, names.name, names.absent);
+    return 0;
+  }
+  std::int64_t pos = static_cast<std::int64_t>(start_sector) * kSectorSize;
+  std::vector<std::uint8_t> header = ReadFileBlock(ifo, pos, 8);
+  AddHeadingLine(ctx, names.name, names.heading);
+  ByteView view(header);
+  table.file = &ifo;
+  table.body_pos = pos + 8;
+  table.count = view.be16(0);
+  table.end_address = view.be32(4);
+  return table.end_address;
+}
+
+std::vector<std::uint8_t> ReadTableBody(const OpenedTable& table, std::size_t n) {
+  if (table.file == nullptr) return std::vector<std::uint8_t>(n, 0);
+  return ReadFileBlock(*table.file, table.body_pos, n);
+}
+
+std::uint64_t BodyBytesInFile(const OpenedTable& table) {
+  if (table.file == nullptr) return 0;
+  std::int64_t rest = table.file->Length() - table.body_pos;
+  return rest > 0 ? static_cast<std::uint64_t>(rest) : 0;
+}
+
+std::uint32_t ItemsInFile(const OpenedTable& table, std::uint32_t item_bytes) {
+  if (item_bytes == 0) return 0;
+  std::uint64_t items = (BodyBytesInFile(table) + item_bytes - 1) / item_bytes;
+  return items > UINT32_MAX ? UINT32_MAX : static_cast<std::uint32_t>(items);
+}
+
+}  // namespace tarvex

@@ -1,0 +1,38 @@
+// Steps shared by the tables that begin with an 8-byte header of a 16-bit count, two zero bytes
+// and a 32-bit end address: opening them, reading their body afresh, and bounding loops over
+// their entries by the length of the file.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "app/context.h"
+#include "ifo/srpt_state.h"
+#include "platform/file_io.h"
+
+namespace tarvex {
+
+struct TableNames {
+  const char* name;     // heading name, e.g. "PTT_SRPTI"
+  const char* absent;   // text after "There is no "
+  const char* heading;  // text of the heading line
+};
+
+// Open step: with start sector 0 adds the absence line, forgets any earlier table and returns
+// 0; otherwise reads the header at start_sector x 2048, adds the heading line, keeps the
+// header in host order and the position after it, and returns the end address.
+std::uint32_t OpenCountedTable(AppContext& ctx, File& ifo, std::uint32_t start_sector,
+                               const TableNames& names, OpenedTable& table);
+
+// n bytes of the opened table's body, read from the file now; bytes beyond the end of the
+// file read 0.
+std::vector<std::uint8_t> ReadTableBody(const OpenedTable& table, std::size_t n);
+
+// Bytes of the file from the start of the body on (0 when the body begins beyond the end).
+std::uint64_t BodyBytesInFile(const OpenedTable& table);
+
+// How many items of item_bytes each, laid one after another from the start of the body, begin
+// inside the file: the bound of every loop whose count the file itself gives.
+std::uint32_t ItemsInFile(const OpenedTable& table, std::uint32_t item_bytes);
+
+}  // namespace tarvex

@@ -1,0 +1,213 @@
+#include "ifo/vts_tmapt.h"
+
+#include <string>
+
+#include "ifo/opened_table.h"
+#include "ifo/source.h"
+#include "ifo/vtsi_mat.h"
+#include "platform/bytes.h"
+#include "platform/format.h"
+
+namespace tarvex {
+
+namespace {
+
+constexpr const char* kHeaderSection = "vts_tmapt";
+constexpr const char* kMapSection = "vts_tmapti";
+constexpr const char* kMissingCaption = "Statement missing in vts_tmapti";
+constexpr std::uint32_t kDiscontinuity = 0x80000000u;
+constexpr TableNames kNames = {"VTS_TMAPTI", "Video Title Set Time Map Table",
+                               "Video title set Time Map Table"};
+
+// One time map as found in the file: its offset from the table start, its head and the
+// entries walked.
+struct FoundMap {
+  std::uint32_t offset = 0;
+  std::uint8_t time_unit = 0;
+  std::uint16_t entry_count = 0;
+  std::vector<std::uint32_t> entries;
+};
+
+VtsTmaptState& State(AppContext& ctx) {
+  return ctx.ifo.vts_tmapt;
+}
+
+std::uint32_t Open(AppContext& ctx, File& ifo) {
+  return OpenCountedTable(ctx, ifo, TitleSetStartSector(ctx, kVtsTmaptSa), kNames,
+                          State(ctx).opened);
+}
+
+// Reads the body afresh and walks the maps; offsets count from the table start, 8 bytes
+// before the body. The walk is bounded by the file: maps by the pointers that begin inside
+// it, each map's entries by the entries that begin inside it, and the entries of all maps
+// together by the number of 4-byte positions it holds after the header.
+std::vector<FoundMap> ReadMaps(const OpenedTable& table) {
+  std::vector<std::uint8_t> bytes = ReadTableBody(table, (table.end_address & 0xFFFF) + 1);
+  ByteView body(bytes);
+  std::uint64_t in_file = BodyBytesInFile(table);
+  std::uint32_t pointers = ItemsInFile(table, 4);
+  std::uint32_t maps = table.count < pointers ? table.count : pointers;
+  std::uint32_t budget = pointers;
+  std::vector<FoundMap> result(maps);
+  for (std::uint32_t n = 0; n < maps; ++n) {
+    FoundMap& map = result[n];
+    map.offset = body.be32(4 * std::size_t{n});
+    std::uint64_t head = map.offset >= 8 ? map.offset - 8u : UINT64_MAX;
+    auto at = static_cast<std::size_t>(head < SIZE_MAX ? head : SIZE_MAX);
+    map.time_unit = body.u8(at);
+    map.entry_count = static_cast<std::uint16_t>((body.u8(at, 2) << 8) | body.u8(at, 3));
+    for (std::uint32_t e = 0; e < map.entry_count && budget > 0; ++e, --budget) {
+      std::uint64_t pos = head + 4 + 4 * std::uint64_t{e};
+      if (head == UINT64_MAX || pos >= in_file) break;
+      map.entries.push_back(body.be32(static_cast<std::size_t>(pos)));
+    }
+  }
+  return result;
+}
+
+void Report(AppContext& ctx) {
+  const OpenedTable& table = State(ctx).opened;
+  ctx.ClearReportList();
+  ctx.AddReportLine(Format("Number of VTS_TMAPS: %d", {table.count}));
+  ctx.AddReportLine(Format("End byte address of VTS_TMAPT_EA table: %d", {table.end_address}));
+  std::vector<FoundMap> maps = ReadMaps(table);
+  for (std::size_t n = 0; n < maps.size(); ++n) {
+    const FoundMap& map = maps[n];
+    ctx.AddReportLine(Format("  Time map %d byte start address %d.", {n + 1, map.offset}));
+    ctx.AddReportLine(Format("  Time map %d contains %d entries using time unit of %d seconds.",
+                             {n + 1, map.entry_count, map.time_unit}));
+    for (std::size_t e = 0; e < map.entries.size(); ++e) {
+      std::uint32_t entry = map.entries[e];
+      const char* format = (entry & kDiscontinuity) == 0
+                               ? "    Entry %d at sector address %d"
+                               : "    Discontinuity Entry %d at sector address %d";
+      ctx.AddReportLine(Format(format, {e + 1, entry & ~kDiscontinuity}));
+    }
+  }
+}
+
+void Disassemble(AppContext& ctx) {
+  const OpenedTable& table = State(ctx).opened;
+  WriteSourceValue(ctx, kHeaderSection, "vts_tmap_ns", Format("%d", {table.count}));
+  WriteSourceValue(ctx, kHeaderSection, "vts_tmapt_ea", Format("%d", {table.end_address}));
+  std::vector<FoundMap> maps = ReadMaps(table);
+  for (std::size_t n = 0; n < maps.size(); ++n) {
+    const FoundMap& map = maps[n];
+    // The start address is written for reference only (with a full stop); it is computed
+    // again when the table is assembled.
+    WriteSourceValue(ctx, kMapSection, Format("vts_tmap%02d_sa", {n + 1}),
+                     Format("%d.", {map.offset}));
+    WriteSourceValue(ctx, kMapSection, Format("vts_tmap%02d_tmu", {n + 1}),
+                     Format("%d", {map.time_unit}));
+    WriteSourceValue(ctx, kMapSection, Format("vts_tmap%02d_map_en_ns", {n + 1}),
+                     Format("%d", {map.entry_count}));
+    for (std::size_t e = 0; e < map.entries.size(); ++e) {
+      std::uint32_t entry = map.entries[e];
+      WriteSourceValue(ctx, kMapSection, Format("vts_tmap%02d_entry%02d_discon", {n + 1, e + 1}),
+                       (entry & kDiscontinuity) != 0 ? "1" : "0");
+      WriteSourceValue(ctx, kMapSection, Format("vts_tmap%02d_entry%02d_address", {n + 1, e + 1}),
+                       Format("%d", {entry & ~kDiscontinuity}));
+    }
+  }
+}
+
+// Reads the entries of map n into map. A missing key shows the message and leaves this
+// entry and the rest of the map's entries 0; the map keeps its declared entry count.
+void LoadEntries(AppContext& ctx, std::uint32_t n, TimeMap& map) {
+  std::string value;
+  for (std::uint32_t e = 1; e <= map.entry_count; ++e) {
+    std::string discon_key = Format("vts_tmap%02d_entry%02d_discon", {n, e});
+    if (!ReadSourceValue(ctx, kMapSection, discon_key, value)) {
+      ReportMissingStatement(ctx, discon_key, kMissingCaption);
+      return;
+    }
+    bool discontinuity = !value.empty() && value[0] == '1';
+    std::string address_key = Format("vts_tmap%02d_entry%02d_address", {n, e});
+    if (!ReadSourceValue(ctx, kMapSection, address_key, value)) {
+      ReportMissingStatement(ctx, address_key, kMissingCaption);
+      return;
+    }
+    map.entries.push_back(ParseDecimal(value) | (discontinuity ? kDiscontinuity : 0));
+  }
+}
+
+// Reads the maps; a missing time unit or entry count ends the loading (maps read so far are
+// kept). A missing header count loads nothing, without a message.
+void Load(AppContext& ctx) {
+  VtsTmaptState& s = State(ctx);
+  s.count = 0;
+  s.maps.clear();
+  std::string value;
+  if (!ReadSourceValue(ctx, kHeaderSection, "vts_tmap_ns", value)) return;
+  s.count = static_cast<std::uint16_t>(ParseDecimal(value));
+  for (std::uint32_t n = 1; n <= s.count; ++n) {
+    TimeMap map;
+    std::string key = Format("vts_tmap%02d_tmu", {n});
+    if (!ReadSourceValue(ctx, kMapSection, key, value)) {
+      ReportMissingStatement(ctx, key, kMissingCaption);
+      return;
+    }
+    map.time_unit = static_cast<std::uint8_t>(ParseDecimal(value));
+    key = Format("vts_tmap%02d_map_en_ns", {n});
+    if (!ReadSourceValue(ctx, kMapSection, key, value)) {
+      ReportMissingStatement(ctx, key, kMissingCaption);
+      return;
+    }
+    map.entry_count = static_cast<std::uint16_t>(ParseDecimal(value));
+    LoadEntries(ctx, n, map);
+    s.maps.push_back(std::move(map));
+  }
+}
+
+std::uint32_t MapBytes(const TimeMap& map) {
+  return 4 + 4 * std::uint32_t{map.entry_count};
+}
+
+TableSize Measure(AppContext& ctx) {
+  const VtsTmaptState& s = State(ctx);
+  if (s.maps.empty()) return {};
+  std::uint32_t bytes = 8 + 4 * static_cast<std::uint32_t>(s.maps.size());
+  for (const TimeMap& map : s.maps) bytes += MapBytes(map);
+  return {SectorsFor(bytes), bytes};
+}
+
+void Emit(AppContext& ctx, File& out) {
+  VtsTmaptState& s = State(ctx);
+  if (!s.maps.empty()) {
+    std::vector<std::uint8_t> bytes;
+    ByteAppender a(bytes);
+    a.be16(s.count);
+    a.be16(0);
+    a.be32(Measure(ctx).bytes - 1);
+    std::uint32_t offset = 8 + 4 * static_cast<std::uint32_t>(s.maps.size());
+    for (const TimeMap& map : s.maps) {
+      a.be32(offset);
+      offset += MapBytes(map);
+    }
+    for (const TimeMap& map : s.maps) {
+      a.u8(map.time_unit);
+      a.u8(0);
+      a.be16(map.entry_count);
+      for (std::uint32_t entry : map.entries) a.be32(entry);
+      a.zeros(4 * (std::size_t{map.entry_count} - map.entries.size()));
+    }
+    out.Write(bytes.data(), bytes.size());
+    PadToSector(out);
+  }
+  s.count = 0;
+  s.maps.clear();
+}
+
+}  // namespace
+
+const TableModule kVtsTmaptModule = {
+    .id = TableId::kVtsTmapt,
+    .OpenTable = Open,
+    .ReportTable = Report,
+    .DisassembleTable = Disassemble,
+    .LoadTableSource = Load,
+    .MeasureTable = Measure,
+    .EmitTable = Emit,
+};
+
+}  // namespace tarvex

@@ -1,0 +1,175 @@
+// Golden details of the title search pointer, part-of-title search pointer and time map tables
+// of the sample disc, and the tables after a disassembly/assembly round trip. Every expected
+// line was read by hand from the IFO bytes (offsets given in the comments).
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "convert/drivers.h"
+#include "ifo/srpt_images.h"
+#include "ifo/vtsi_mat.h"
+#include "platform/bytes.h"
+#include "support/test_support.h"
+
+namespace tarvex {
+namespace {
+
+using test::Fixture;
+
+const std::string kSampleDir = std::string(TARVEX_SAMPLES_DIR) + "/disc/VIDEO_TS/";
+
+bool SampleAvailable() {
+  return File::Exists(kSampleDir + "VIDEO_TS.IFO") && File::Exists(kSampleDir + "VTS_01_0.IFO");
+}
+
+void OpenSample(Fixture& f, const std::string& name) {
+  f.OpenBytes(name, test::ReadFileBytes(kSampleDir + name), kFileIfo);
+  ShowIfoOverview(*f.ctx);
+}
+
+bool HasLine(const std::vector<std::string>& lines, const std::string& line) {
+  return std::find(lines.begin(), lines.end(), line) != lines.end();
+}
+
+TEST(SrptSampleTest, OverviewHeadingLines) {
+  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  Fixture vmg;
+  OpenSample(vmg, "VIDEO_TS.IFO");
+  // tt_srpt_sa (VMGI_MAT bytes 196-199) = 1.
+  EXPECT_TRUE(HasLine(vmg.lines(),
+                      "VMG_PTT_SRPTI IFO File: Part of title search pointer table information"));
+  Fixture vts;
+  OpenSample(vts, "VTS_01_0.IFO");
+  // vts_ptt_srpt_sa (0xC8) = 1, vts_tmapt_sa (0xD4) = 4.
+  EXPECT_TRUE(
+      HasLine(vts.lines(), "PTT_SRPTI IFO File: Part of title search pointer table information"));
+  EXPECT_TRUE(HasLine(vts.lines(), "VTS_TMAPTI IFO File: Video title set Time Map Table"));
+}
+
+TEST(SrptSampleTest, TitleSearchPointerDetails) {
+  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  Fixture f;
+  OpenSample(f, "VIDEO_TS.IFO");
+  // Sector 1 (0x800): 00 01 00 00 00 00 00 13 | 3c 01 00 03 00 00 01 01 00 00 00 28.
+  EXPECT_EQ(test::DetailsOf(f, "VMG_PTT"),
+            (std::vector<std::string>{
+                "Number of Title Unit Serch Pointers TTUs in the VTS: 1",
+                "End byte address of PTT_SRPT table: 19",
+                "    Title set 1: Title playback type: 3c",
+                "    Title set 1: Number of angles: 1",
+                "    Title set 1: Number of PTTs: 3",
+                "    Title set 1: Parental ID field: 0",
+                "    Title set 1: Title set number: 1",
+                "    Title set 1: VTS_TTN: 1",
+                "    Title set 1: Title set starting sector number: 40",
+            }));
+}
+
+TEST(SrptSampleTest, PartOfTitleSearchPointerDetails) {
+  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  Fixture f;
+  OpenSample(f, "VTS_01_0.IFO");
+  // Sector 1 (0x800): 00 01 00 00 00 00 00 17 | 00 00 00 0c | 00 01 00 01 | 00 01 00 02 |
+  // 00 01 00 03: one unit at offset 12 whose parts run to 23 + 1.
+  EXPECT_EQ(test::DetailsOf(f, "PTT_SRPTI"),
+            (std::vector<std::string>{
+                "Number of Title Unit Serch Pointers TTUs in the VTS: 1",
+                "End byte address of PTT_SRPT table: 23",
+                "  Starting memory address of TTU 1: 12",
+                "    Program chain number (PGCN): 1 Program number (PG): 1",
+                "    Program chain number (PGCN): 1 Program number (PG): 2",
+                "    Program chain number (PGCN): 1 Program number (PG): 3",
+            }));
+}
+
+TEST(SrptSampleTest, TimeMapDetails) {
+  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  Fixture f;
+  OpenSample(f, "VTS_01_0.IFO");
+  // Sector 4 (0x2000): 00 01 00 00 00 00 00 2b | 00 00 00 0c | 01 00 00 07 | 00 00 00 4d |
+  // 80 00 00 ea | 00 00 01 87 | 00 00 02 24 | 80 00 02 c0 | 00 00 03 5c | 80 00 03 f2.
+  EXPECT_EQ(test::DetailsOf(f, "VTS_TMAPT"),
+            (std::vector<std::string>{
+                "Number of VTS_TMAPS: 1",
+                "End byte address of VTS_TMAPT_EA table: 43",
+                "  Time map 1 byte start address 12.",
+                "  Time map 1 contains 7 entries using time unit of 1 seconds.",
+                "    Entry 1 at sector address 77",
+                "    Discontinuity Entry 2 at sector address 234",
+                "    Entry 3 at sector address 391",
+                "    Entry 4 at sector address 548",
+                "    Discontinuity Entry 5 at sector address 704",
+                "    Entry 6 at sector address 860",
+                "    Discontinuity Entry 7 at sector address 1010",
+            }));
+}
+
+struct RoundTrip {
+  std::vector<std::uint8_t> original;
+  std::vector<std::uint8_t> assembled;
+  std::vector<std::string> messages;
+};
+
+// Disassembles the sample IFO and assembles the source next to copies of the sample's VOBs.
+RoundTrip RunRoundTrip(const std::string& ifo, const std::string& ini) {
+  Fixture f;
+  OpenSample(f, ifo);
+  std::string source = f.dir.file(ini);
+  f.ui.chooser_answers.push_back(source);
+  DisassembleIfo(*f.ctx);
+  std::string out_dir = f.dir.file("out");
+  std::filesystem::create_directory(out_dir);
+  for (const char* vob : {"VIDEO_TS.VOB", "VTS_01_0.VOB", "VTS_01_1.VOB"}) {
+    std::filesystem::copy_file(kSampleDir + vob, out_dir + "/" + vob);
+  }
+  f.ctx->batch.asm_path = source;
+  f.ctx->batch.obj_path = out_dir + "/" + ifo;
+  AssembleBatch(*f.ctx);
+  return {test::ReadFileBytes(kSampleDir + ifo), test::ReadFileBytes(out_dir + "/" + ifo),
+          f.ui.Messages()};
+}
+
+// The sector of a table in an IFO, located by its start sector field.
+std::vector<std::uint8_t> TableSector(const std::vector<std::uint8_t>& ifo, std::size_t sa_at) {
+  std::size_t at = std::size_t{ByteView(ifo).be32(sa_at)} * 2048;
+  if (at == 0 || at + 2048 > ifo.size()) return {};
+  return {ifo.begin() + static_cast<std::ptrdiff_t>(at),
+          ifo.begin() + static_cast<std::ptrdiff_t>(at + 2048)};
+}
+
+TEST(SrptSampleTest, TitleSearchPointersComeBackUnchanged) {
+  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  RoundTrip rt = RunRoundTrip("VIDEO_TS.IFO", "VIDEO_TS.INI");
+  EXPECT_TRUE(rt.messages.empty());
+  // Parental ID 0 and VTS_TTN 1 are not changed by their established load rules.
+  std::vector<std::uint8_t> table = TableSector(rt.assembled, 196);
+  ASSERT_FALSE(table.empty());
+  EXPECT_EQ(table, TableSector(rt.original, 196));
+}
+
+TEST(SrptSampleTest, PartOfTitleTableIsRebuiltWithOnePointerPerPart) {
+  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  RoundTrip rt = RunRoundTrip("VTS_01_0.IFO", "VTS_01_0.INI");
+  EXPECT_TRUE(rt.messages.empty());
+  std::vector<std::uint8_t> table = TableSector(rt.assembled, kVtsPttSrptSa);
+  ASSERT_FALSE(table.empty());
+  // Three parts (1,1) (1,2) (1,3): pointers 20, 24, 28, end address 8 x 3 + 7 = 31.
+  std::vector<std::uint8_t> expected = {0x00, 0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x1F,
+                                        0x00, 0x00, 0x00, 0x14, 0x00, 0x00, 0x00, 0x18,
+                                        0x00, 0x00, 0x00, 0x1C, 0x00, 0x01, 0x00, 0x01,
+                                        0x00, 0x01, 0x00, 0x02, 0x00, 0x01, 0x00, 0x03};
+  expected.resize(2048, 0);
+  EXPECT_EQ(table, expected);
+}
+
+TEST(SrptSampleTest, TimeMapComesBackUnchanged) {
+  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  RoundTrip rt = RunRoundTrip("VTS_01_0.IFO", "VTS_01_0.INI");
+  EXPECT_TRUE(rt.messages.empty());
+  std::vector<std::uint8_t> table = TableSector(rt.assembled, kVtsTmaptSa);
+  ASSERT_FALSE(table.empty());
+  EXPECT_EQ(table, TableSector(rt.original, kVtsTmaptSa));
+}
+
+}  // namespace
+}  // namespace tarvex
