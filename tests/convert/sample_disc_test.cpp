@@ -1,5 +1,6 @@
-// Golden tests on the sample disc's IFOs: the overview, the details of every table this
-// system reads so far, and the disassembly/assembly round trip. Every expected value was read
+// Golden tests on the sample disc's IFOs: the overview, the details of the information tables
+// (the other tables' details are pinned beside their modules in tests/ifo), and the
+// disassembly/assembly round trip. Every expected value was read
 // by hand from the IFO bytes.
 #include <gtest/gtest.h>
 
@@ -42,21 +43,45 @@ TEST(IfoSampleDiscTest, VideoManagerOverview) {
   if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
   Fixture f;
   OpenSample(f, "VIDEO_TS.IFO");
-  // Identifier DVDVIDEO-VMG; vmgm_vobs_sa (bytes 192-195) = 6.
-  EXPECT_EQ(f.lines(), (std::vector<std::string>{
-                           "VMGI_MAT IFO File: Video Manager Information Management Table",
-                           "VMGM_VOB: VMG Menu VOB starts at sector address: 6"}));
+  // Identifier DVDVIDEO-VMG; vmgm_vobs_sa (bytes 192-195) = 6; the table start sectors at
+  // 196-223 are 1 (title search pointers), 2 (menu PGCI units), 0 (parental), 3 (attributes),
+  // 0 (text data), 4 (cell addresses), 5 (VOBU addresses); the one language unit has its
+  // search pointer offset 16 (bytes 0x100C-0x100F).
+  EXPECT_EQ(f.lines(),
+            (std::vector<std::string>{
+                "VMGI_MAT IFO File: Video Manager Information Management Table",
+                "VMGM_VOB: VMG Menu VOB starts at sector address: 6",
+                "VMG_PTT_SRPTI IFO File: Part of title search pointer table information",
+                "VMGM_PGCI_UT File: Video Manager Menu PGCI Unit Table",
+                "VMGM_LUI IFO File: Video Manager Menu Language Unit Table",
+                "** VMG_MAIT IFO File: There is no Parental Management Information Table.",
+                "VMG_ATRT IFO File: Video Title Set Attribute Table",
+                "** VMG_TXTDT_MGI IFO File: There is no Text Data Manager information.",
+                "VMGM_C_ADT IFO File: VMGM Cell Address Table information",
+                "VMGM_VOBU_ADMAP IFO File: Video Title Set Menu VOBU Address Map Table",
+            }));
 }
 
 TEST(IfoSampleDiscTest, TitleSetOverview) {
   if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
   Fixture f;
   OpenSample(f, "VTS_01_0.IFO");
-  // vtsm_vobs_sa (0xC0) = 9, vtstt_vobs_sa (0xC4) = 0x25.
+  // vtsm_vobs_sa (0xC0) = 9, vtstt_vobs_sa (0xC4) = 0x25; the eight table start sectors at
+  // 0xC8-0xE4 are 1 to 8; the menu language unit's offset (bytes 0x180C-0x180F) is 16.
   EXPECT_EQ(f.lines(), (std::vector<std::string>{
                            "VTSI_MAT IFO File: Video Title Set Information Management Table",
                            "VTSM_VOB: VTS Menu VOB starts at sector address: 9",
-                           "VTS_VOB: VTS VOB starts at sector address: 37"}));
+                           "VTS_VOB: VTS VOB starts at sector address: 37",
+                           "PTT_SRPTI IFO File: Part of title search pointer table information",
+                           "VTS_PGCITI IFO File: Video title set Program Chain Information Table",
+                           "VTSM_PGCI_UT File: Video Title Set Menu PGCI Unit Table",
+                           "VTSM_LUI IFO File: Video Title Set Menu Language Unit Table",
+                           "VTS_TMAPTI IFO File: Video title set Time Map Table",
+                           "VTSM_C_ADT IFO File: Video Title Set Menu Cell Address Table",
+                           "VTSM_VOBU_ADMAP IFO File: Video Title Set Menu VOBU Address Map Table",
+                           "VTS_C_ADT IFO File: Video Title Set Cell Address Table",
+                           "VTS_VOBU_ADMAP IFO File: Video Title Set Menu VOBU Address Map Table",
+                       }));
 }
 
 TEST(IfoSampleDiscTest, VideoManagerDetails) {
@@ -208,27 +233,18 @@ TEST(IfoSampleDiscTest, VideoManagerRoundTrip) {
   if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
   RoundTrip rt = RunRoundTrip("VIDEO_TS.IFO", "VIDEO_TS.INI");
   EXPECT_TRUE(rt.messages.empty());
-  // The title search pointer, menu PGCI unit, attribute, cell address and VOBU address map
-  // tables (sectors 1-5 of the original) have no module yet, so nothing of them is loaded or
-  // written: the assembled file is VMGI_MAT alone, one sector (vmgi_mat_ea 1275 is unchanged:
-  // the first-play chain of 252 bytes is rebuilt as it was).
+  // Every table is written again in the same sectors (1 to 5 after VMGI_MAT), so the sizes,
+  // start sectors and end addresses of the information table come out as they were.
   ASSERT_EQ(rt.original.size(), 6u * 2048);
-  ASSERT_EQ(rt.assembled.size(), 2048u);
+  ASSERT_EQ(rt.assembled.size(), 6u * 2048);
   std::map<std::size_t, std::pair<int, int>> expected = {
-      // vmg_ea = 2T + V - 1 with T = 1 (no table after VMGI_MAT) and V = 28 menu VOB sectors:
-      // 29 instead of 2*6 + 28 - 1 = 39.
-      {15, {39, 29}},
-      // vmgi_ea = T - 1 = 0 instead of 5.
-      {31, {5, 0}},
-      // vmgm_vobs_sa = T = 1 instead of 6.
-      {195, {6, 1}},
-      // Start sectors of the tables that were not written are 0: tt_srpt_sa (1),
-      // vmgm_pgci_ut_sa (2), vts_atrt_sa (3), vmgm_c_adt_sa (4), vmgm_vobu_admap_sa (5).
-      {199, {1, 0}},
-      {203, {2, 0}},
-      {211, {3, 0}},
-      {219, {4, 0}},
-      {223, {5, 0}},
+      // Menu PGCI unit table (sector 2): the language unit's end address (unit offset 16,
+      // bytes 20-23) is written as the unit's size, 346, where the disc holds size - 1 = 345.
+      {2 * 2048 + 23, {0x59, 0x5A}},
+      // Attribute table (sector 3): the record starts at 12; its menu audio attribute area
+      // starts at record offset 12 and the source carries one byte per menu audio stream, so
+      // the stream's second attribute byte (0xC1, table offset 25) is not written.
+      {3 * 2048 + 25, {0xC1, 0x00}},
   };
   EXPECT_EQ(Differences(rt.original, rt.assembled), expected);
 }
@@ -237,29 +253,44 @@ TEST(IfoSampleDiscTest, TitleSetRoundTrip) {
   if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
   RoundTrip rt = RunRoundTrip("VTS_01_0.IFO", "VTS_01_0.INI");
   EXPECT_TRUE(rt.messages.empty());
-  // The eight title set tables (sectors 1-8 of the original) have no module yet: the
-  // assembled file is VTSI_MAT alone, one sector.
   ASSERT_EQ(rt.original.size(), 9u * 2048);
-  ASSERT_EQ(rt.assembled.size(), 2048u);
+  ASSERT_EQ(rt.assembled.size(), 9u * 2048);
+  constexpr std::size_t kPtt = 1 * 2048;   // VTS_PTT_SRPT
+  constexpr std::size_t kLu = 3 * 2048;    // VTSM_PGCI_UT
+  constexpr std::size_t kCAdt = 7 * 2048;  // VTS_C_ADT
   std::map<std::size_t, std::pair<int, int>> expected = {
-      // vts_ea = vtsi_ea + counter = 0 + (1 + 28 menu + 1246 title sectors) = 1275 = 0x04FB
-      // instead of 8 + 9 + 28 + 1246 = 1291 = 0x050B.
-      {14, {0x05, 0x04}},
-      {15, {0x0B, 0xFB}},
-      // vtsi_ea = sum of the table sectors = 0 instead of 8.
-      {31, {8, 0}},
-      // vtsm_vobs_sa = vtsi_ea + 1 = 1 instead of 9; vtstt_vobs_sa = 1 + 28 = 29 instead of 37.
-      {195, {9, 1}},
-      {199, {37, 29}},
-      // Start sectors of the eight tables that were not written: 0 instead of 1 .. 8.
-      {203, {1, 0}},
-      {207, {2, 0}},
-      {211, {3, 0}},
-      {215, {4, 0}},
-      {219, {5, 0}},
-      {223, {6, 0}},
-      {227, {7, 0}},
-      {231, {8, 0}},
+      // Part-of-title table: one title of three parts. The disc has one search pointer per
+      // title (12) and the parts (1,1) (1,2) (1,3) at 12-23, end address 23; the table is
+      // rebuilt with one pointer per part (20, 24, 28), the parts at 20-31, end address 31.
+      {kPtt + 7, {23, 31}},
+      {kPtt + 11, {12, 20}},
+      {kPtt + 13, {1, 0}},
+      {kPtt + 15, {1, 24}},
+      {kPtt + 17, {1, 0}},
+      {kPtt + 19, {2, 28}},
+      {kPtt + 23, {3, 1}},
+      {kPtt + 25, {0, 1}},
+      {kPtt + 27, {0, 2}},
+      {kPtt + 29, {0, 1}},
+      {kPtt + 31, {0, 3}},
+      // Menu PGCI unit table: the unit's end address is its size (0x236), not size - 1.
+      {kLu + 23, {0x35, 0x36}},
+      // Title cell address table: the header counts 1 VOB, so only the first of its three
+      // cells is disassembled; the end address becomes 8 + 12 - 1 = 19 instead of 43 and
+      // cells 2 (VOB 1, cell 2, sectors 0x187-0x35B) and 3 (cell 3, 0x35C-0x4DD) are gone.
+      {kCAdt + 7, {43, 19}},
+      {kCAdt + 21, {1, 0}},
+      {kCAdt + 22, {2, 0}},
+      {kCAdt + 26, {1, 0}},
+      {kCAdt + 27, {0x87, 0}},
+      {kCAdt + 30, {3, 0}},
+      {kCAdt + 31, {0x5B, 0}},
+      {kCAdt + 33, {1, 0}},
+      {kCAdt + 34, {3, 0}},
+      {kCAdt + 38, {3, 0}},
+      {kCAdt + 39, {0x5C, 0}},
+      {kCAdt + 42, {4, 0}},
+      {kCAdt + 43, {0xDD, 0}},
   };
   EXPECT_EQ(Differences(rt.original, rt.assembled), expected);
 }
