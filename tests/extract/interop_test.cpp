@@ -26,37 +26,15 @@ std::string SampleVob() {
   return std::string(TARVEX_SOURCE_DIR) + "/samples/disc/VIDEO_TS/VTS_01_1.VOB";
 }
 
-bool HaveTool(const char* name) {
-  std::string cmd = std::string("command -v ") + name + " >/dev/null 2>&1";
-  return std::system(cmd.c_str()) == 0;
-}
-
-std::string Quote(const std::string& s) {
-  std::string out = "'";
-  for (char c : s) out += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return out + "'";
-}
-
-std::string Capture(const std::string& cmd) {
-  std::string out;
-  if (FILE* p = ::popen(cmd.c_str(), "r")) {
-    char buf[4096];
-    std::size_t n;
-    while ((n = std::fread(buf, 1, sizeof buf, p)) > 0) out.append(buf, n);
-    ::pclose(p);
-  }
-  return out;
-}
-
 using Fields = std::map<std::string, std::string>;
 
 // ffprobe's streams as key=value maps.
 std::vector<Fields> Probe(const std::string& path) {
-  std::string out = Capture(
+  std::string out = CaptureCommand(
       "ffprobe -v error -show_entries "
       "stream=index,id,codec_name,sample_rate,channels,bits_per_sample,bits_per_raw_sample "
       "-of compact=p=0 " +
-      Quote(path));
+      ShellQuote(path));
   std::vector<Fields> streams;
   std::istringstream lines(out);
   std::string line;
@@ -118,7 +96,8 @@ TEST_F(Interop, VideoEqualsFfmpegStreamCopyByteForByteApartFromHeaderStuffing) {
   Extract(ExtractVideo);
   EXPECT_TRUE(lines_.empty()) << lines_.front();
   std::string ref = dir_.file("ffmpeg.m2v");
-  Capture("ffmpeg -v error -y -i " + Quote(vob_) + " -map 0:v -c copy -f mpeg2video " + Quote(ref));
+  CaptureCommand("ffmpeg -v error -y -i " + ShellQuote(vob_) + " -map 0:v -c copy -f mpeg2video " +
+                 ShellQuote(ref));
   Bytes ours = ReadFileBytes(dir_.file("video.M2V"));
   Bytes theirs = ReadFileBytes(ref);
   ASSERT_FALSE(theirs.empty());
@@ -199,8 +178,8 @@ TEST_F(Interop, WavSamplesEqualFfmpegsDecodingOfTheLpcmStream) {
     std::string name = Format("audio%02d.WAV", {number & 7});
     SCOPED_TRACE(name);
     std::string raw = dir_.file(name + ".raw");
-    Capture("ffmpeg -v error -y -i " + Quote(vob_) + " -map 0:i:" + source.at("id") +
-            " -f s16le -acodec pcm_s16le " + Quote(raw));
+    CaptureCommand("ffmpeg -v error -y -i " + ShellQuote(vob_) + " -map 0:i:" + source.at("id") +
+                   " -f s16le -acodec pcm_s16le " + ShellQuote(raw));
     Bytes wav = ReadFileBytes(dir_.file(name));
     Bytes decoded = ReadFileBytes(raw);
     ASSERT_GT(wav.size(), 44u);

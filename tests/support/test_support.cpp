@@ -1,5 +1,6 @@
 #include "support/test_support.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
@@ -132,6 +133,28 @@ Record MakePaddingPack(std::uint64_t scr_base, std::uint32_t scr_ext) {
 std::vector<std::uint8_t> Concat(const std::vector<Record>& records) {
   std::vector<std::uint8_t> out;
   for (const auto& r : records) out.insert(out.end(), r.begin(), r.end());
+  return out;
+}
+
+bool HaveTool(const char* name) {
+  std::string cmd = std::string("command -v ") + name + " >/dev/null 2>&1";
+  return std::system(cmd.c_str()) == 0;
+}
+
+std::string ShellQuote(const std::string& s) {
+  std::string out = "'";
+  for (char c : s) out += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return out + "'";
+}
+
+std::string CaptureCommand(const std::string& cmd) {
+  std::string out;
+  if (FILE* p = ::popen(cmd.c_str(), "r")) {
+    char buf[4096];
+    std::size_t n;
+    while ((n = std::fread(buf, 1, sizeof buf, p)) > 0) out.append(buf, n);
+    ::pclose(p);
+  }
   return out;
 }
 

@@ -31,6 +31,12 @@ void WriteFileBytes(const std::string& path, const std::vector<std::uint8_t>& by
 std::vector<std::uint8_t> ReadFileBytes(const std::string& path);
 std::string ReadFileText(const std::string& path);
 
+// Peer tools run by the interoperability tests: whether a command is on the PATH, a path
+// quoted for the shell, and what a shell command writes to its standard output.
+bool HaveTool(const char* name);
+std::string ShellQuote(const std::string& s);
+std::string CaptureCommand(const std::string& cmd);
+
 // A fresh context with a scripted user interface; XDG_CONFIG_HOME points into its own
 // temporary folder so the configuration file of the user is never touched.
 struct Fixture {
