@@ -117,7 +117,7 @@ std::vector<std::uint8_t> ReadFileBlock(File& file, std::int64_t pos, std::size_
 
 std::optional<std::vector<std::uint8_t>> ReadBoundedBlock(File& file, std::int64_t pos,
                                                           std::int32_t n) {
-  if (n < 0) return std::nullopt;
+  if (n < 0) return std::vector<std::uint8_t>{};  // no entries
   std::int64_t length = file.Length();
   std::int64_t available = length > pos ? length - pos : 0;
   if (n > available) return std::nullopt;

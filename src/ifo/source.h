@@ -50,9 +50,9 @@ std::uint32_t TableEndAddress(std::uint32_t header_bytes, std::uint32_t entries,
 // Reads n bytes of the file at pos; bytes beyond the end of the file read 0.
 std::vector<std::uint8_t> ReadFileBlock(File& file, std::int64_t pos, std::size_t n);
 
-// A table body whose byte count comes from a 32-bit field: nothing (an allocation failure)
-// when a negative count or more bytes than the file holds from pos on are asked for;
-// otherwise the bytes, read like ReadFileBlock.
+// A table body whose byte count comes from a 32-bit field taken as signed: no bytes for a
+// negative count; nothing (an allocation failure) when more bytes than the file holds from pos
+// on are asked for; otherwise the bytes, read like ReadFileBlock.
 std::optional<std::vector<std::uint8_t>> ReadBoundedBlock(File& file, std::int64_t pos,
                                                           std::int32_t n);
 

@@ -48,7 +48,7 @@ constexpr AdmapVariant kVariants[] = {
 // when they exceed what the file holds after the end address: there is no room for them.
 std::optional<std::vector<std::uint8_t>> ReadEntries(File& ifo, const VobuAdmapState& s) {
   std::int32_t bytes = static_cast<std::int32_t>(s.end_address - 3u);
-  return ReadBoundedBlock(ifo, s.entries_pos, bytes < 0 ? 0 : bytes);
+  return ReadBoundedBlock(ifo, s.entries_pos, bytes);
 }
 
 std::uint32_t Open(AppContext& ctx, const AdmapVariant& v, File& ifo) {

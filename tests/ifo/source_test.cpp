@@ -174,12 +174,21 @@ TEST(IfoSourceTest, BodyLongerThanTheRestOfTheFileCountsAsAllocationFailure) {
   test::WriteFileBytes(path, std::vector<std::uint8_t>(100, 7));
   File in = File::OpenRead(path);
   EXPECT_FALSE(ReadBoundedBlock(in, 10, 91).has_value());
-  EXPECT_FALSE(ReadBoundedBlock(in, 10, -1).has_value());
   EXPECT_FALSE(ReadBoundedBlock(in, 200, 1).has_value());
   std::optional<std::vector<std::uint8_t>> body = ReadBoundedBlock(in, 10, 90);
   ASSERT_TRUE(body.has_value());
   EXPECT_EQ(body->size(), 90u);
   EXPECT_TRUE(ReadBoundedBlock(in, 100, 0).has_value());
+}
+
+TEST(IfoSourceTest, NegativeBodyLengthMeansNoEntries) {
+  test::Fixture f;
+  std::string path = f.dir.file("t.bin");
+  test::WriteFileBytes(path, std::vector<std::uint8_t>(100, 7));
+  File in = File::OpenRead(path);
+  std::optional<std::vector<std::uint8_t>> body = ReadBoundedBlock(in, 10, -1);
+  ASSERT_TRUE(body.has_value());
+  EXPECT_TRUE(body->empty());
 }
 
 }  // namespace
