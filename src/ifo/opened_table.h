@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "app/context.h"
-#include "ifo/srpt_state.h"
+#include "ifo/opened_table_state.h"
 #include "platform/file_io.h"
 
 namespace tarvex {
