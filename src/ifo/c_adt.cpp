@@ -186,22 +186,14 @@ void Emit(AppContext& ctx, const CAdtVariant& v, File& out) {
   s.loaded_vob_ns = 0;
 }
 
-// The module of variant V: each operation runs the one implementation above on its data.
-template <std::size_t V>
-constexpr TableModule MakeModule(TableId id) {
-  return {id,
-          [](AppContext& ctx, File& ifo) { return Open(ctx, kVariants[V], ifo); },
-          [](AppContext& ctx) { Report(ctx, kVariants[V]); },
-          [](AppContext& ctx) { Disassemble(ctx, kVariants[V]); },
-          [](AppContext& ctx) { Load(ctx, kVariants[V]); },
-          [](AppContext& ctx) { return Measure(ctx, kVariants[V]); },
-          [](AppContext& ctx, File& out) { Emit(ctx, kVariants[V], out); }};
-}
+// Each variant's module runs the one implementation above on the variant's data.
+constexpr VariantOperations<CAdtVariant> kOperations = {Open, Report,  Disassemble,
+                                                        Load, Measure, Emit};
 
 }  // namespace
 
-const TableModule kVmgmCAdtModule = MakeModule<0>(TableId::kVmgmCAdt);
-const TableModule kVtsmCAdtModule = MakeModule<1>(TableId::kVtsmCAdt);
-const TableModule kVtsCAdtModule = MakeModule<2>(TableId::kVtsCAdt);
+const TableModule kVmgmCAdtModule = VariantModule<kOperations, kVariants, 0>(TableId::kVmgmCAdt);
+const TableModule kVtsmCAdtModule = VariantModule<kOperations, kVariants, 1>(TableId::kVtsmCAdt);
+const TableModule kVtsCAdtModule = VariantModule<kOperations, kVariants, 2>(TableId::kVtsCAdt);
 
 }  // namespace tarvex

@@ -401,47 +401,22 @@ void EmitUnitTable(AppContext& ctx, const Instance& in, File& out) {
   s.opened.count = 0;
 }
 
-}  // namespace
-
-const TableModule kVtsmPgciUtModule = {
-    .id = TableId::kVtsmPgciUt,
-    .OpenTable = [](AppContext& c, File& f) { return OpenUnitTable(c, kTitleSetMenu, f); },
-    .ReportTable = [](AppContext& c) { ReportUnitTable(c, kTitleSetMenu); },
-    .DisassembleTable = [](AppContext& c) { DisassembleUnitTable(c, kTitleSetMenu); },
-    .LoadTableSource = [](AppContext& c) { LoadUnitTable(c, kTitleSetMenu); },
-    .MeasureTable = [](AppContext& c) { return MeasureUnitTable(c, kTitleSetMenu); },
-    .EmitTable = [](AppContext& c, File& out) { EmitUnitTable(c, kTitleSetMenu, out); },
-};
+constexpr Instance kInstances[] = {kTitleSetMenu, kVideoManagerMenu};
 
 // The unit table's load loads the language units too, so their own load step is empty.
-const TableModule kVtsmLuModule = {
-    .id = TableId::kVtsmLu,
-    .OpenTable = [](AppContext& c, File& f) { return OpenLanguageUnits(c, kTitleSetMenu, f); },
-    .ReportTable = [](AppContext& c) { ReportLanguageUnits(c, kTitleSetMenu); },
-    .DisassembleTable = [](AppContext& c) { DisassembleLanguageUnits(c, kTitleSetMenu); },
-    .LoadTableSource = nullptr,
-    .MeasureTable = nullptr,
-    .EmitTable = nullptr,
-};
+constexpr VariantOperations<Instance> kUnitTable = {OpenUnitTable,        ReportUnitTable,
+                                                    DisassembleUnitTable, LoadUnitTable,
+                                                    MeasureUnitTable,     EmitUnitTable};
+constexpr VariantOperations<Instance> kLanguageUnits = {
+    OpenLanguageUnits, ReportLanguageUnits, DisassembleLanguageUnits, nullptr, nullptr, nullptr};
 
-const TableModule kVmgmPgciUtModule = {
-    .id = TableId::kVmgmPgciUt,
-    .OpenTable = [](AppContext& c, File& f) { return OpenUnitTable(c, kVideoManagerMenu, f); },
-    .ReportTable = [](AppContext& c) { ReportUnitTable(c, kVideoManagerMenu); },
-    .DisassembleTable = [](AppContext& c) { DisassembleUnitTable(c, kVideoManagerMenu); },
-    .LoadTableSource = [](AppContext& c) { LoadUnitTable(c, kVideoManagerMenu); },
-    .MeasureTable = [](AppContext& c) { return MeasureUnitTable(c, kVideoManagerMenu); },
-    .EmitTable = [](AppContext& c, File& out) { EmitUnitTable(c, kVideoManagerMenu, out); },
-};
+}  // namespace
 
-const TableModule kVmgmLuModule = {
-    .id = TableId::kVmgmLu,
-    .OpenTable = [](AppContext& c, File& f) { return OpenLanguageUnits(c, kVideoManagerMenu, f); },
-    .ReportTable = [](AppContext& c) { ReportLanguageUnits(c, kVideoManagerMenu); },
-    .DisassembleTable = [](AppContext& c) { DisassembleLanguageUnits(c, kVideoManagerMenu); },
-    .LoadTableSource = nullptr,
-    .MeasureTable = nullptr,
-    .EmitTable = nullptr,
-};
+const TableModule kVtsmPgciUtModule =
+    VariantModule<kUnitTable, kInstances, 0>(TableId::kVtsmPgciUt);
+const TableModule kVtsmLuModule = VariantModule<kLanguageUnits, kInstances, 0>(TableId::kVtsmLu);
+const TableModule kVmgmPgciUtModule =
+    VariantModule<kUnitTable, kInstances, 1>(TableId::kVmgmPgciUt);
+const TableModule kVmgmLuModule = VariantModule<kLanguageUnits, kInstances, 1>(TableId::kVmgmLu);
 
 }  // namespace tarvex
