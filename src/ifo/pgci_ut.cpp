@@ -337,11 +337,7 @@ void LoadUnitTable(AppContext& ctx, const Instance& in) {
 
 // A unit's size: its header, its chain pointers and its chains.
 std::uint32_t UnitBytes(const LoadedLanguageUnit& unit) {
-  std::uint32_t bytes = kHeaderSize;
-  for (const LoadedPgc& pgc : unit.pgcs) {
-    bytes += kPointerSize + static_cast<std::uint32_t>(pgc.bytes.size());
-  }
-  return bytes;
+  return ChainBlockBytes(unit.pgcs);
 }
 
 // The table's size: header, one search pointer per unit, and the units.
@@ -381,19 +377,7 @@ void EmitUnitTable(AppContext& ctx, const Instance& in, File& out) {
   }
   for (const LoadedLanguageUnit& unit : s.units) {
     // The unit's end address field holds its size, not its size - 1 as the table's does.
-    auto pgcs = static_cast<std::uint32_t>(unit.pgcs.size());
-    a.be16(pgcs);
-    a.be16(0);
-    a.be32(UnitBytes(unit));
-    std::uint32_t pgc_offset = kHeaderSize + kPointerSize * pgcs;
-    for (const LoadedPgc& pgc : unit.pgcs) {
-      a.be32(pgc.category);
-      a.be32(pgc_offset);
-      pgc_offset += static_cast<std::uint32_t>(pgc.bytes.size());
-    }
-    for (const LoadedPgc& pgc : unit.pgcs) {
-      table.insert(table.end(), pgc.bytes.begin(), pgc.bytes.end());
-    }
+    AppendChainBlock(a, unit.pgcs, UnitBytes(unit));
   }
   out.Write(table.data(), table.size());
   PadToSector(out);

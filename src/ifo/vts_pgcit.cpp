@@ -106,10 +106,7 @@ void LoadPgcit(AppContext& ctx) {
 
 // Header, pointers and chains: 8 + 8 x count + the chain sizes.
 std::uint32_t TableBytes(const VtsPgcitState& s) {
-  if (s.pgcs.empty()) return 0;
-  std::uint32_t bytes = kHeaderSize + kPointerSize * static_cast<std::uint32_t>(s.pgcs.size());
-  for (const LoadedPgc& pgc : s.pgcs) bytes += static_cast<std::uint32_t>(pgc.bytes.size());
-  return bytes;
+  return s.pgcs.empty() ? 0 : ChainBlockBytes(s.pgcs);
 }
 
 TableSize MeasurePgcit(AppContext& ctx) {
@@ -127,17 +124,7 @@ void EmitPgcit(AppContext& ctx, File& out) {
   std::vector<std::uint8_t> table;
   table.reserve(bytes);
   ByteAppender a(table);
-  a.be16(static_cast<std::uint32_t>(s.pgcs.size()));
-  a.be16(0);
-  a.be32(bytes - 1);
-  // Chain n starts right after chain n - 1, the first right after the pointers.
-  std::uint32_t offset = kHeaderSize + kPointerSize * static_cast<std::uint32_t>(s.pgcs.size());
-  for (const LoadedPgc& pgc : s.pgcs) {
-    a.be32(pgc.category);
-    a.be32(offset);
-    offset += static_cast<std::uint32_t>(pgc.bytes.size());
-  }
-  for (const LoadedPgc& pgc : s.pgcs) table.insert(table.end(), pgc.bytes.begin(), pgc.bytes.end());
+  AppendChainBlock(a, s.pgcs, bytes - 1);
   out.Write(table.data(), table.size());
   s.pgcs.clear();
   s.opened.count = 0;
@@ -162,6 +149,27 @@ std::vector<std::uint8_t> AssembleChainBytes(AppContext& ctx, std::string_view s
   std::vector<std::uint8_t> bytes(pgc_layout(ctx), 0);
   pgc_copy_out(ctx, bytes);
   return bytes;
+}
+
+std::uint32_t ChainBlockBytes(const std::vector<LoadedPgc>& pgcs) {
+  std::uint32_t bytes = kHeaderSize + kPointerSize * static_cast<std::uint32_t>(pgcs.size());
+  for (const LoadedPgc& pgc : pgcs) bytes += static_cast<std::uint32_t>(pgc.bytes.size());
+  return bytes;
+}
+
+void AppendChainBlock(ByteAppender& a, const std::vector<LoadedPgc>& pgcs,
+                      std::uint32_t end_field) {
+  auto count = static_cast<std::uint32_t>(pgcs.size());
+  a.be16(count);
+  a.be16(0);
+  a.be32(end_field);
+  std::uint32_t offset = kHeaderSize + kPointerSize * count;
+  for (const LoadedPgc& pgc : pgcs) {
+    a.be32(pgc.category);
+    a.be32(offset);
+    offset += static_cast<std::uint32_t>(pgc.bytes.size());
+  }
+  for (const LoadedPgc& pgc : pgcs) a.bytes(ByteView(pgc.bytes));
 }
 
 std::uint32_t PointersPresent(std::uint32_t count, std::size_t body_size, std::size_t pos,
