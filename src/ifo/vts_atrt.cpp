@@ -21,17 +21,6 @@ constexpr TableNames kNames = {"VMG_ATRT", "Video Title Set Attribute Table.",
 constexpr const char* kSection = "vts_atrt";
 constexpr const char* kMissingCaption = "Statement missing in vts_atrt!";
 
-constexpr FieldDesc Count(const char* key, std::uint16_t offset, const char* report) {
-  return {.key = key,
-          .offset = offset,
-          .width = 1,
-          .store = Store::kU8,
-          .form = SourceForm::kDecimal,
-          .load = LoadRule::kDecimal,
-          .style = ReportStyle::kValue,
-          .report = report};
-}
-
 // A menu stream's single attribute byte: written as hex, read back as a decimal number after
 // the "x" (so x1f comes back as 1): the established reading of these keys.
 constexpr FieldDesc MenuStreamByte(const char* key, std::uint16_t offset, std::int16_t count_at,
@@ -82,15 +71,15 @@ constexpr FieldDesc kRecord[] = {
      .style = ReportStyle::kValue,
      .report = "    VTS_CAT Application type %d"},
     AttributeBytes("vtsm_v_atr", 8, 2, -1, "    Attributes of VTSM_VOBS: %x%x"),
-    Count("vtsm_ast_ns", 11, "    Number of audio streams in VTSM_VOBS: %d"),
+    DecimalNumber("vtsm_ast_ns", 11, 1, "    Number of audio streams in VTSM_VOBS: %d"),
     MenuStreamByte("vtsm_ast_atr%02d", 12, 11, "      Audio %d attributes: %x"),
-    Count("vtsm_spst_ns", 93, "    Number of subpicture streams: %d"),
+    DecimalNumber("vtsm_spst_ns", 93, 1, "    Number of subpicture streams: %d"),
     MenuStreamByte("vtsm_spst_atr%02d", 94, 93, "      Subpicture stream %d attributes: %x"),
     AttributeBytes("vts_v_atr", 264, 2, -1, "    Video attributes of VTSTT_VOBS: %x%x"),
-    Count("vts_ast_ns", 267, "    Number of audio streams in VTSTT_VOBS: %d"),
+    DecimalNumber("vts_ast_ns", 267, 1, "    Number of audio streams in VTSTT_VOBS: %d"),
     AttributeBytes("vts_ast_atr%02d", 268, 8, 267,
                    "      Audio %d attributes: %02x%02x%02x%02x%02x%02x%02x%02x"),
-    Count("vts_spst_ns", 349, "    Number of subpicture streams in VTSTT_VOBS: %d"),
+    DecimalNumber("vts_spst_ns", 349, 1, "    Number of subpicture streams in VTSTT_VOBS: %d"),
     // Reported by the first byte of each 6-byte block.
     AttributeBytes("vts_spst_atr%02d", 350, 6, 349, "      Subpicture stream %d attributes: %x"),
 };
