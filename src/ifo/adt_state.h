@@ -7,14 +7,13 @@
 #include <cstdint>
 #include <vector>
 
+#include "ifo/opened_table_state.h"
+
 namespace tarvex {
 
 // One cell address table (C_ADT): 8-byte header, then 12 bytes per cell.
 struct CAdtState {
-  bool open = false;
-  std::int64_t entries_pos = 0;  // byte position of the first cell in the IFO
-  std::uint16_t vob_ns = 0;
-  std::uint32_t end_address = 0;
+  OpenedTable opened;  // the header count is the number of VOBs
   // Loaded for assembly: the header's VOB count and the cells in load order.
   std::uint16_t loaded_vob_ns = 0;
   std::vector<std::array<std::uint8_t, 12>> cells;
@@ -33,17 +32,13 @@ struct VobuAdmapState {
 
 // The title set attribute table (VTS_ATRT).
 struct VtsAtrtState {
-  bool open = false;
-  std::int64_t area_pos = 0;  // byte position right after the 8-byte header
-  std::uint16_t vts_ns = 0;
-  std::uint32_t end_address = 0;
+  OpenedTable opened;  // the header count is the number of title sets
   std::vector<std::array<std::uint8_t, 776>> records;  // loaded for assembly
 };
 
 // The parental management information table (PTL_MAIT).
 struct PtlMaitState {
-  bool open = false;
-  std::int64_t table_pos = 0;
+  OpenedTable opened;  // the header count is the number of countries
 };
 
 // The text data manager (TXTDT_MG).

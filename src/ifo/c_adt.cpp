@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "ifo/opened_table.h"
 #include "ifo/source.h"
 #include "ifo/vtsi_mat.h"
 #include "platform/bytes.h"
@@ -22,7 +23,8 @@ constexpr const char* kMissingCaption = "Statement missing in vtsm_c_adt";
 struct CAdtVariant {
   std::size_t slot;  // index into IfoState::c_adt
   const char* name;
-  const char* description;  // heading; the absence line adds a full stop
+  const char* absent;   // the absence line's text
+  const char* heading;  // the heading line's text
   const char* section;
   const char* count_key;
   const char* end_key;
@@ -41,53 +43,41 @@ std::uint32_t VtsStart(const AppContext& ctx) {
 }
 
 constexpr CAdtVariant kVariants[] = {
-    {0, "VMGM_C_ADT", "VMGM Cell Address Table information", "vmgm_c_adt", "vmgm_vob_ns",
-     "vmgm_c_adt_ea", "Number of VOBs in VMGM_VOBS %d", VmgmStart},
-    {1, "VTSM_C_ADT", "Video Title Set Menu Cell Address Table", "vtsm_c_adt", "vtsm_vob_ns",
-     "vtsm_c_adt_ea", "Number of VOBs in VTSM_VOBS: %d", VtsmStart},
-    {2, "VTS_C_ADT", "Video Title Set Cell Address Table", "vts_c_adt", "vts_vob_ns",
-     "vts_c_adt_ea", "Number of VOBs in VTS_VOBS: %d", VtsStart},
+    {0, "VMGM_C_ADT", "VMGM Cell Address Table information.", "VMGM Cell Address Table information",
+     "vmgm_c_adt", "vmgm_vob_ns", "vmgm_c_adt_ea", "Number of VOBs in VMGM_VOBS %d", VmgmStart},
+    {1, "VTSM_C_ADT", "Video Title Set Menu Cell Address Table.",
+     "Video Title Set Menu Cell Address Table", "vtsm_c_adt", "vtsm_vob_ns", "vtsm_c_adt_ea",
+     "Number of VOBs in VTSM_VOBS: %d", VtsmStart},
+    {2, "VTS_C_ADT", "Video Title Set Cell Address Table.", "Video Title Set Cell Address Table",
+     "vts_c_adt", "vts_vob_ns", "vts_c_adt_ea", "Number of VOBs in VTS_VOBS: %d", VtsStart},
 };
 
 std::uint32_t Open(AppContext& ctx, const CAdtVariant& v, File& ifo) {
-  CAdtState& s = ctx.ifo.c_adt[v.slot];
-  s.open = false;
-  std::uint32_t start = v.start_sector(ctx);
-  if (start == 0) {
-    AddAbsenceLine(ctx, v.name, (std::string(v.description) + ".").c_str());
-    return 0;
-  }
-  std::int64_t pos = std::int64_t{start} * kSectorSize;
-  std::vector<std::uint8_t> header = ReadFileBlock(ifo, pos, kHeaderBytes);
-  AddHeadingLine(ctx, v.name, v.description);
-  s.vob_ns = ByteView(header).be16(0);
-  s.end_address = ByteView(header).be32(4);
-  s.entries_pos = pos + kHeaderBytes;
-  s.open = true;
-  return s.end_address;
+  return OpenCountedTable(ctx, ifo, v.start_sector(ctx), {v.name, v.absent, v.heading},
+                          ctx.ifo.c_adt[v.slot].opened);
 }
 
 // The cell entries as the table holds them: the low 16 bits of the end address give the bytes
 // read (zeros beyond the end of the file).
-std::vector<std::uint8_t> ReadCells(AppContext& ctx, const CAdtState& s) {
-  return ReadFileBlock(ctx.open.file_handle, s.entries_pos, s.end_address & 0xFFFFu);
+std::vector<std::uint8_t> ReadCells(AppContext& ctx, const OpenedTable& s) {
+  return ReadFileBlock(ctx.open.file_handle, s.body_pos, s.end_address & 0xFFFFu);
 }
 
 // (end address - 7) / 12 cells, none when negative, and no cell that would start beyond the
 // end of the file.
-std::uint32_t CellCount(AppContext& ctx, const CAdtState& s) {
+std::uint32_t CellCount(AppContext& ctx, const OpenedTable& s) {
   std::int32_t cells = static_cast<std::int32_t>(s.end_address - 7u) / 12;
   if (cells <= 0) return 0;
-  std::int64_t rest = ctx.open.file_handle.Length() - s.entries_pos;
+  std::int64_t rest = ctx.open.file_handle.Length() - s.body_pos;
   std::int64_t in_file = rest > 0 ? (rest + kCellBytes - 1) / kCellBytes : 0;
   return static_cast<std::uint32_t>(std::min<std::int64_t>(cells, in_file));
 }
 
 void Report(AppContext& ctx, const CAdtVariant& v) {
   ctx.ClearReportList();
-  const CAdtState& s = ctx.ifo.c_adt[v.slot];
-  if (!s.open) return;
-  ctx.AddReportLine(Format(v.count_line, {s.vob_ns}));
+  const OpenedTable& s = ctx.ifo.c_adt[v.slot].opened;
+  if (!s.open()) return;
+  ctx.AddReportLine(Format(v.count_line, {s.count}));
   ctx.AddReportLine(Format("End byte address of %s table: %d", {v.name, s.end_address}));
   std::vector<std::uint8_t> block = ReadCells(ctx, s);
   ByteView cells(block);
@@ -104,13 +94,13 @@ void Report(AppContext& ctx, const CAdtVariant& v) {
 // Writes the header keys and as many cells as the header counts VOBs (later cells are left
 // out: that is how this table has always been written).
 void Disassemble(AppContext& ctx, const CAdtVariant& v) {
-  const CAdtState& s = ctx.ifo.c_adt[v.slot];
-  if (!s.open) return;
-  WriteSourceValue(ctx, v.section, v.count_key, Format("%d", {s.vob_ns}));
+  const OpenedTable& s = ctx.ifo.c_adt[v.slot].opened;
+  if (!s.open()) return;
+  WriteSourceValue(ctx, v.section, v.count_key, Format("%d", {s.count}));
   WriteSourceValue(ctx, v.section, v.end_key, Format("%d", {s.end_address}));
   std::vector<std::uint8_t> block = ReadCells(ctx, s);
   ByteView cells(block);
-  std::uint32_t count = std::min<std::uint32_t>(s.vob_ns, CellCount(ctx, s));
+  std::uint32_t count = std::min<std::uint32_t>(s.count, CellCount(ctx, s));
   for (std::uint32_t i = 0; i < count; ++i) {
     std::size_t off = std::size_t{i} * kCellBytes;
     std::string prefix = Format("c_%03d_vob%03d_vts_", {cells.u8(off + 2), cells.be16(off)});
@@ -196,22 +186,14 @@ void Emit(AppContext& ctx, const CAdtVariant& v, File& out) {
   s.loaded_vob_ns = 0;
 }
 
-// The module of variant V: each operation runs the one implementation above on its data.
-template <std::size_t V>
-constexpr TableModule MakeModule(TableId id) {
-  return {id,
-          [](AppContext& ctx, File& ifo) { return Open(ctx, kVariants[V], ifo); },
-          [](AppContext& ctx) { Report(ctx, kVariants[V]); },
-          [](AppContext& ctx) { Disassemble(ctx, kVariants[V]); },
-          [](AppContext& ctx) { Load(ctx, kVariants[V]); },
-          [](AppContext& ctx) { return Measure(ctx, kVariants[V]); },
-          [](AppContext& ctx, File& out) { Emit(ctx, kVariants[V], out); }};
-}
+// Each variant's module runs the one implementation above on the variant's data.
+constexpr VariantOperations<CAdtVariant> kOperations = {Open, Report,  Disassemble,
+                                                        Load, Measure, Emit};
 
 }  // namespace
 
-const TableModule kVmgmCAdtModule = MakeModule<0>(TableId::kVmgmCAdt);
-const TableModule kVtsmCAdtModule = MakeModule<1>(TableId::kVtsmCAdt);
-const TableModule kVtsCAdtModule = MakeModule<2>(TableId::kVtsCAdt);
+const TableModule kVmgmCAdtModule = VariantModule<kOperations, kVariants, 0>(TableId::kVmgmCAdt);
+const TableModule kVtsmCAdtModule = VariantModule<kOperations, kVariants, 1>(TableId::kVtsmCAdt);
+const TableModule kVtsCAdtModule = VariantModule<kOperations, kVariants, 2>(TableId::kVtsCAdt);
 
 }  // namespace tarvex

@@ -80,6 +80,22 @@ struct FieldDesc {
   const char* missing_text = nullptr;  // message text when missing, if not the key itself
 };
 
+// A big-endian number of width 1, 2 or 4 bytes, written to the IfoSource in decimal, read back
+// as a decimal number and reported by its value.
+constexpr FieldDesc DecimalNumber(const char* key, std::uint16_t offset, std::uint16_t width,
+                                  const char* report) {
+  return {.key = key,
+          .offset = offset,
+          .width = width,
+          .store = width == 1   ? Store::kU8
+                   : width == 2 ? Store::kBe16
+                                : Store::kBe32,
+          .form = SourceForm::kDecimal,
+          .load = LoadRule::kDecimal,
+          .style = ReportStyle::kValue,
+          .report = report};
+}
+
 // Number of items of a field (1 for a single field).
 std::uint32_t FieldCount(ByteView bytes, const FieldDesc& field);
 // Offset of item i (from 0).

@@ -6,21 +6,33 @@
 
 namespace tarvex {
 
-std::uint32_t OpenCountedTable(AppContext& ctx, File& ifo, std::uint32_t start_sector,
-                               const TableNames& names, OpenedTable& table) {
+void LocateCountedTable(File& ifo, std::uint32_t start_sector, OpenedTable& table) {
   table = OpenedTable{};
-  if (start_sector == 0) {
-    AddAbsenceLine(ctx, names.name, names.absent);
-    return 0;
-  }
+  if (start_sector == 0) return;
   std::int64_t pos = static_cast<std::int64_t>(start_sector) * kSectorSize;
-  std::vector<std::uint8_t> header = ReadFileBlock(ifo, pos, 8);
-  AddHeadingLine(ctx, names.name, names.heading);
-  ByteView view(header);
+  std::vector<std::uint8_t> bytes = ReadFileBlock(ifo, pos, 8);
+  ByteView header(bytes);
   table.file = &ifo;
   table.body_pos = pos + 8;
-  table.count = view.be16(0);
-  table.end_address = view.be32(4);
+  table.count = header.be16(0);
+  table.end_address = header.be32(4);
+}
+
+std::uint32_t OpenCountedTable(AppContext& ctx, File& ifo, std::uint32_t start_sector,
+                               const TableNames& names, OpenedTable& table) {
+  LocateCountedTable(ifo, start_sector, table);
+  if (start_sector == 0) {
+    AddAbsenceLine(ctx, names.name, names.absent);
+  } else {
+    AddHeadingLine(ctx, names.name, names.heading);
+  }
+  return table.end_address;
+}
+
+std::uint32_t OpenCountedTable(AppContext& ctx, File& ifo, std::uint32_t start_sector,
+                               const TableLines& lines, OpenedTable& table) {
+  LocateCountedTable(ifo, start_sector, table);
+  ctx.AddReportLine(start_sector == 0 ? lines.absent : lines.heading);
   return table.end_address;
 }
 

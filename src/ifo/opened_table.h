@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "app/context.h"
-#include "ifo/srpt_state.h"
+#include "ifo/opened_table_state.h"
 #include "platform/file_io.h"
 
 namespace tarvex {
@@ -18,11 +18,24 @@ struct TableNames {
   const char* heading;  // text of the heading line
 };
 
+// The whole absence and heading lines of the tables whose lines do not follow the
+// "NAME IFO File: ..." pattern.
+struct TableLines {
+  const char* absent;
+  const char* heading;
+};
+
 // Open step: with start sector 0 adds the absence line, forgets any earlier table and returns
 // 0; otherwise reads the header at start_sector x 2048, adds the heading line, keeps the
 // header in host order and the position after it, and returns the end address.
 std::uint32_t OpenCountedTable(AppContext& ctx, File& ifo, std::uint32_t start_sector,
                                const TableNames& names, OpenedTable& table);
+std::uint32_t OpenCountedTable(AppContext& ctx, File& ifo, std::uint32_t start_sector,
+                               const TableLines& lines, OpenedTable& table);
+
+// The open step without its lines: forgets any earlier table, then (unless start_sector is 0)
+// reads the header and keeps it and the body position as OpenCountedTable does.
+void LocateCountedTable(File& ifo, std::uint32_t start_sector, OpenedTable& table);
 
 // n bytes of the opened table's body, read from the file now; bytes beyond the end of the
 // file read 0.

@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "ifo/opened_table.h"
 #include "ifo/pgc.h"
 #include "ifo/source.h"
 #include "ifo/vts_pgcit.h"
@@ -26,8 +27,7 @@ struct Instance {
   PgciUtState IfoState::*state;
   std::uint32_t (*start_sector)(const AppContext& ctx);
   // Unit table lines.
-  const char* heading;
-  const char* absence;
+  TableLines lines;
   const char* count_line;
   const char* end_line;
   const char* code_line;
@@ -66,8 +66,8 @@ struct Instance {
 constexpr Instance kTitleSetMenu = {
     .state = &IfoState::vtsm_pgci_ut,
     .start_sector = [](const AppContext& ctx) { return TitleSetStartSector(ctx, kVtsmPgciUtSa); },
-    .heading = "VTSM_PGCI_UT File: Video Title Set Menu PGCI Unit Table",
-    .absence = "** VTSM_PGCI_UT File: There is no Video Title Set Menu PGCI Unit Table",
+    .lines = {.absent = "** VTSM_PGCI_UT File: There is no Video Title Set Menu PGCI Unit Table",
+              .heading = "VTSM_PGCI_UT File: Video Title Set Menu PGCI Unit Table"},
     .count_line = "Number of VTSM_PGCI_LUs: %d",
     .end_line = "End byte address of VTSM_PGCI_LUs table: %d",
     .code_line = "  Video Title Set Menu Language Code %d: %c%c",
@@ -102,8 +102,8 @@ constexpr Instance kTitleSetMenu = {
 constexpr Instance kVideoManagerMenu = {
     .state = &IfoState::vmgm_pgci_ut,
     .start_sector = [](const AppContext& ctx) { return ctx.ifo.vmgi_mat.vmgm_pgci_ut_sa; },
-    .heading = "VMGM_PGCI_UT File: Video Manager Menu PGCI Unit Table",
-    .absence = "** VMGM_PGCI_UT File: There is no Video Manager Menu PGCI Unit Table",
+    .lines = {.absent = "** VMGM_PGCI_UT File: There is no Video Manager Menu PGCI Unit Table",
+              .heading = "VMGM_PGCI_UT File: Video Manager Menu PGCI Unit Table"},
     .count_line = "Number of VMGM_PGCI_LUs: %d",
     .end_line = "End byte address of VMGM_PGCI_LUs table: %d",
     .code_line = "  Video Manager Menu Language Code %d: %c%c",
@@ -135,15 +135,6 @@ constexpr Instance kVideoManagerMenu = {
     .lu_missing = "VMGM_LU: is missing the %s statement",
 };
 
-// Remembers the file and the table at sector and decodes its 8-byte header.
-void Locate(PgciUtState& s, File& ifo, std::uint32_t sector) {
-  s.file = &ifo;
-  s.start = static_cast<std::int64_t>(sector) * kSectorSize;
-  std::vector<std::uint8_t> header = ReadFileBlock(ifo, s.start, kHeaderSize);
-  s.count = ByteView(header).be16(0);
-  s.end_address = ByteView(header).be32(4);
-}
-
 // The unit table's body read afresh (end address AND 0xFFFF bytes after the header, zeros
 // beyond the end of the file) and how many unit search pointers it holds.
 struct UnitTable {
@@ -154,11 +145,10 @@ struct UnitTable {
   std::uint32_t unit_offset(std::uint32_t n) const { return view().be32(at(n) + 4); }
 };
 
-UnitTable ReadUnitTable(const PgciUtState& s) {
+UnitTable ReadUnitTable(const OpenedTable& s) {
   UnitTable t;
-  std::int64_t at = s.start + kHeaderSize;
-  t.body = ReadFileBlock(*s.file, at, s.end_address & 0xFFFFu);
-  t.units = PointersPresent(s.count, t.body.size(), 0, at, s.file->Length());
+  t.body = ReadTableBody(s, s.end_address & 0xFFFFu);
+  t.units = PointersPresent(s.count, t.body.size(), 0, s.body_pos, s.file->Length());
   return t;
 }
 
@@ -171,9 +161,10 @@ struct LanguageUnit {
   ByteView view() const { return ByteView(block); }
 };
 
-LanguageUnit ReadLanguageUnit(const PgciUtState& s, std::uint32_t offset, std::uint64_t& budget) {
+// The unit's offset counts from the table start, 8 bytes before the body.
+LanguageUnit ReadLanguageUnit(const OpenedTable& s, std::uint32_t offset, std::uint64_t& budget) {
   LanguageUnit lu;
-  std::int64_t pos = s.start + offset;
+  std::int64_t pos = s.body_pos - kHeaderSize + offset;
   std::int64_t length = s.file->Length();
   lu.block = ReadFileBlock(*s.file, pos, kUnitBlockSize);
   std::uint32_t n = PointersPresent(lu.view().be16(0), lu.block.size(), kHeaderSize, pos, length);
@@ -182,27 +173,18 @@ LanguageUnit ReadLanguageUnit(const PgciUtState& s, std::uint32_t offset, std::u
   return lu;
 }
 
-std::uint64_t PointerBudget(const PgciUtState& s) {
+std::uint64_t PointerBudget(const OpenedTable& s) {
   return static_cast<std::uint64_t>(std::max<std::int64_t>(s.file->Length(), 0)) / kPointerSize;
 }
 
 std::uint32_t OpenUnitTable(AppContext& ctx, const Instance& in, File& ifo) {
-  PgciUtState& s = ctx.ifo.*in.state;
-  s.file = nullptr;
-  std::uint32_t sector = in.start_sector(ctx);
-  if (sector == 0) {
-    ctx.AddReportLine(in.absence);
-    return 0;
-  }
-  Locate(s, ifo, sector);
-  ctx.AddReportLine(in.heading);
-  return s.end_address;
+  return OpenCountedTable(ctx, ifo, in.start_sector(ctx), in.lines, (ctx.ifo.*in.state).opened);
 }
 
 void ReportUnitTable(AppContext& ctx, const Instance& in) {
   ctx.ClearReportList();
-  const PgciUtState& s = ctx.ifo.*in.state;
-  if (s.file == nullptr) return;
+  const OpenedTable& s = (ctx.ifo.*in.state).opened;
+  if (!s.open()) return;
   UnitTable t = ReadUnitTable(s);
   ByteView v = t.view();
   ctx.AddReportLine(Format(in.count_line, {s.count}));
@@ -215,8 +197,8 @@ void ReportUnitTable(AppContext& ctx, const Instance& in) {
 }
 
 void DisassembleUnitTable(AppContext& ctx, const Instance& in) {
-  const PgciUtState& s = ctx.ifo.*in.state;
-  if (s.file == nullptr) return;
+  const OpenedTable& s = (ctx.ifo.*in.state).opened;
+  if (!s.open()) return;
   UnitTable t = ReadUnitTable(s);
   ByteView v = t.view();
   WriteSourceValue(ctx, in.section, in.count_key, Format("%d", {s.count}));
@@ -231,12 +213,10 @@ void DisassembleUnitTable(AppContext& ctx, const Instance& in) {
 }
 
 std::uint32_t OpenLanguageUnits(AppContext& ctx, const Instance& in, File& ifo) {
-  PgciUtState& s = ctx.ifo.*in.state;
-  s.file = nullptr;
-  std::uint32_t sector = in.start_sector(ctx);
+  OpenedTable& s = (ctx.ifo.*in.state).opened;
+  LocateCountedTable(ifo, in.start_sector(ctx), s);
   std::uint32_t defined = 0;
-  if (sector != 0) {
-    Locate(s, ifo, sector);
+  if (s.open()) {
     UnitTable t = ReadUnitTable(s);
     for (std::uint32_t n = 1; n <= t.units; ++n) defined += t.unit_offset(n) != 0 ? 1 : 0;
   }
@@ -250,8 +230,8 @@ std::uint32_t OpenLanguageUnits(AppContext& ctx, const Instance& in, File& ifo) 
 
 void ReportLanguageUnits(AppContext& ctx, const Instance& in) {
   ctx.ClearReportList();
-  const PgciUtState& s = ctx.ifo.*in.state;
-  if (s.file == nullptr) return;
+  const OpenedTable& s = (ctx.ifo.*in.state).opened;
+  if (!s.open()) return;
   UnitTable t = ReadUnitTable(s);
   if (in.lu_total_line != nullptr) ctx.AddReportLine(Format(in.lu_total_line, {s.count}));
   std::uint64_t budget = PointerBudget(s);
@@ -275,8 +255,8 @@ void ReportLanguageUnits(AppContext& ctx, const Instance& in) {
 }
 
 void DisassembleLanguageUnits(AppContext& ctx, const Instance& in) {
-  const PgciUtState& s = ctx.ifo.*in.state;
-  if (s.file == nullptr) return;
+  const OpenedTable& s = (ctx.ifo.*in.state).opened;
+  if (!s.open()) return;
   UnitTable t = ReadUnitTable(s);
   std::uint64_t budget = PointerBudget(s);
   for (std::uint32_t n = 1; n <= t.units; ++n) {
@@ -357,11 +337,7 @@ void LoadUnitTable(AppContext& ctx, const Instance& in) {
 
 // A unit's size: its header, its chain pointers and its chains.
 std::uint32_t UnitBytes(const LoadedLanguageUnit& unit) {
-  std::uint32_t bytes = kHeaderSize;
-  for (const LoadedPgc& pgc : unit.pgcs) {
-    bytes += kPointerSize + static_cast<std::uint32_t>(pgc.bytes.size());
-  }
-  return bytes;
+  return ChainBlockBytes(unit.pgcs);
 }
 
 // The table's size: header, one search pointer per unit, and the units.
@@ -376,7 +352,7 @@ TableSize MeasureUnitTable(AppContext& ctx, const Instance& in) {
   PgciUtState& s = ctx.ifo.*in.state;
   std::uint32_t bytes = TableBytes(s);
   if (bytes == 0) return {};
-  s.end_address = bytes - 1;
+  s.opened.end_address = bytes - 1;
   return {SectorsFor(bytes), bytes};
 }
 
@@ -401,67 +377,30 @@ void EmitUnitTable(AppContext& ctx, const Instance& in, File& out) {
   }
   for (const LoadedLanguageUnit& unit : s.units) {
     // The unit's end address field holds its size, not its size - 1 as the table's does.
-    auto pgcs = static_cast<std::uint32_t>(unit.pgcs.size());
-    a.be16(pgcs);
-    a.be16(0);
-    a.be32(UnitBytes(unit));
-    std::uint32_t pgc_offset = kHeaderSize + kPointerSize * pgcs;
-    for (const LoadedPgc& pgc : unit.pgcs) {
-      a.be32(pgc.category);
-      a.be32(pgc_offset);
-      pgc_offset += static_cast<std::uint32_t>(pgc.bytes.size());
-    }
-    for (const LoadedPgc& pgc : unit.pgcs) {
-      table.insert(table.end(), pgc.bytes.begin(), pgc.bytes.end());
-    }
+    AppendChainBlock(a, unit.pgcs, UnitBytes(unit));
   }
   out.Write(table.data(), table.size());
   PadToSector(out);
   s.units.clear();
-  s.count = 0;
+  s.opened.count = 0;
 }
+
+constexpr Instance kInstances[] = {kTitleSetMenu, kVideoManagerMenu};
+
+// The unit table's load loads the language units too, so their own load step is empty.
+constexpr VariantOperations<Instance> kUnitTable = {OpenUnitTable,        ReportUnitTable,
+                                                    DisassembleUnitTable, LoadUnitTable,
+                                                    MeasureUnitTable,     EmitUnitTable};
+constexpr VariantOperations<Instance> kLanguageUnits = {
+    OpenLanguageUnits, ReportLanguageUnits, DisassembleLanguageUnits, nullptr, nullptr, nullptr};
 
 }  // namespace
 
-const TableModule kVtsmPgciUtModule = {
-    .id = TableId::kVtsmPgciUt,
-    .OpenTable = [](AppContext& c, File& f) { return OpenUnitTable(c, kTitleSetMenu, f); },
-    .ReportTable = [](AppContext& c) { ReportUnitTable(c, kTitleSetMenu); },
-    .DisassembleTable = [](AppContext& c) { DisassembleUnitTable(c, kTitleSetMenu); },
-    .LoadTableSource = [](AppContext& c) { LoadUnitTable(c, kTitleSetMenu); },
-    .MeasureTable = [](AppContext& c) { return MeasureUnitTable(c, kTitleSetMenu); },
-    .EmitTable = [](AppContext& c, File& out) { EmitUnitTable(c, kTitleSetMenu, out); },
-};
-
-// The unit table's load loads the language units too, so their own load step is empty.
-const TableModule kVtsmLuModule = {
-    .id = TableId::kVtsmLu,
-    .OpenTable = [](AppContext& c, File& f) { return OpenLanguageUnits(c, kTitleSetMenu, f); },
-    .ReportTable = [](AppContext& c) { ReportLanguageUnits(c, kTitleSetMenu); },
-    .DisassembleTable = [](AppContext& c) { DisassembleLanguageUnits(c, kTitleSetMenu); },
-    .LoadTableSource = nullptr,
-    .MeasureTable = nullptr,
-    .EmitTable = nullptr,
-};
-
-const TableModule kVmgmPgciUtModule = {
-    .id = TableId::kVmgmPgciUt,
-    .OpenTable = [](AppContext& c, File& f) { return OpenUnitTable(c, kVideoManagerMenu, f); },
-    .ReportTable = [](AppContext& c) { ReportUnitTable(c, kVideoManagerMenu); },
-    .DisassembleTable = [](AppContext& c) { DisassembleUnitTable(c, kVideoManagerMenu); },
-    .LoadTableSource = [](AppContext& c) { LoadUnitTable(c, kVideoManagerMenu); },
-    .MeasureTable = [](AppContext& c) { return MeasureUnitTable(c, kVideoManagerMenu); },
-    .EmitTable = [](AppContext& c, File& out) { EmitUnitTable(c, kVideoManagerMenu, out); },
-};
-
-const TableModule kVmgmLuModule = {
-    .id = TableId::kVmgmLu,
-    .OpenTable = [](AppContext& c, File& f) { return OpenLanguageUnits(c, kVideoManagerMenu, f); },
-    .ReportTable = [](AppContext& c) { ReportLanguageUnits(c, kVideoManagerMenu); },
-    .DisassembleTable = [](AppContext& c) { DisassembleLanguageUnits(c, kVideoManagerMenu); },
-    .LoadTableSource = nullptr,
-    .MeasureTable = nullptr,
-    .EmitTable = nullptr,
-};
+const TableModule kVtsmPgciUtModule =
+    VariantModule<kUnitTable, kInstances, 0>(TableId::kVtsmPgciUt);
+const TableModule kVtsmLuModule = VariantModule<kLanguageUnits, kInstances, 0>(TableId::kVtsmLu);
+const TableModule kVmgmPgciUtModule =
+    VariantModule<kUnitTable, kInstances, 1>(TableId::kVmgmPgciUt);
+const TableModule kVmgmLuModule = VariantModule<kLanguageUnits, kInstances, 1>(TableId::kVmgmLu);
 
 }  // namespace tarvex

@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "ifo/opened_table.h"
 #include "ifo/source.h"
 #include "platform/bytes.h"
 #include "platform/format.h"
@@ -12,30 +13,23 @@ namespace {
 
 constexpr std::uint32_t kHeaderBytes = 8;
 constexpr std::uint32_t kPointerBytes = 8;  // country code, 2 reserved, start byte, 2 reserved
-constexpr const char* kName = "VMG_MAIT";
-constexpr const char* kDescription = "Parental Management Information Table";
+constexpr TableNames kNames = {"VMG_MAIT", "Parental Management Information Table.",
+                               "Parental Management Information Table"};
 constexpr const char* kSection = "ptl_mait";
 // The country search pointers are written beside the title search pointers.
 constexpr const char* kPointerSection = "vmg_ptt_srpt";
 
+// Returns the number of countries rather than the end address.
 std::uint32_t Open(AppContext& ctx, File& ifo) {
-  PtlMaitState& s = ctx.ifo.ptl_mait;
-  s.open = false;
-  std::uint32_t start = ctx.ifo.vmgi_mat.ptl_mait_sa;
-  if (start == 0) {
-    AddAbsenceLine(ctx, kName, "Parental Management Information Table.");
-    return 0;
-  }
-  s.table_pos = std::int64_t{start} * kSectorSize;
-  s.open = true;
-  AddHeadingLine(ctx, kName, kDescription);
-  return ByteView(ReadFileBlock(ifo, s.table_pos, kHeaderBytes)).be16(0);
+  OpenedTable& table = ctx.ifo.ptl_mait.opened;
+  OpenCountedTable(ctx, ifo, ctx.ifo.vmgi_mat.ptl_mait_sa, kNames, table);
+  return table.count;
 }
 
 // The header and the country search pointers, read afresh.
 std::vector<std::uint8_t> ReadTable(AppContext& ctx) {
   File& ifo = ctx.open.file_handle;
-  std::int64_t pos = ctx.ifo.ptl_mait.table_pos;
+  std::int64_t pos = ctx.ifo.ptl_mait.opened.body_pos - kHeaderBytes;
   std::uint16_t countries = ByteView(ReadFileBlock(ifo, pos, kHeaderBytes)).be16(0);
   return ReadFileBlock(ifo, pos, kHeaderBytes + kPointerBytes * countries);
 }
@@ -46,7 +40,7 @@ std::size_t PointerAt(std::uint32_t i) {
 
 void Report(AppContext& ctx) {
   ctx.ClearReportList();
-  if (!ctx.ifo.ptl_mait.open) return;
+  if (!ctx.ifo.ptl_mait.opened.open()) return;
   std::vector<std::uint8_t> block = ReadTable(ctx);
   ByteView t(block);
   ctx.AddReportLine(Format("Number of Countries: %d", {t.be16(0)}));
@@ -60,7 +54,7 @@ void Report(AppContext& ctx) {
 }
 
 void Disassemble(AppContext& ctx) {
-  if (!ctx.ifo.ptl_mait.open) return;
+  if (!ctx.ifo.ptl_mait.opened.open()) return;
   std::vector<std::uint8_t> block = ReadTable(ctx);
   ByteView t(block);
   WriteSourceValue(ctx, kSection, "cty_ns", Format("%d", {t.be16(0)}));

@@ -7,18 +7,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "platform/file_io.h"
+#include "ifo/opened_table_state.h"
 
 namespace tarvex {
-
-// Where an opened table lies: the IFO it was read from and the file position after its
-// 8-byte header. The body is read afresh from there by every report and disassembly.
-struct OpenedTable {
-  File* file = nullptr;
-  std::int64_t body_pos = 0;
-  std::uint16_t count = 0;        // header count, host order
-  std::uint32_t end_address = 0;  // header end address, host order
-};
 
 // The video manager's title search pointer table (TT_SRPT).
 struct TtSrptState {

@@ -9,6 +9,7 @@
 // right order.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 #include "app/context.h"
@@ -62,6 +63,56 @@ struct TableModule {
   // Writes the loaded table big-endian, pads it to a sector and frees the loaded entries.
   void (*EmitTable)(AppContext& ctx, File& out);
 };
+
+// The operations of a table kind that comes in variants, each taking the variant's data (names,
+// keys, start sector...); nullptr for an operation the kind does not have.
+template <typename Variant>
+struct VariantOperations {
+  std::uint32_t (*open)(AppContext& ctx, const Variant& v, File& ifo);
+  void (*report)(AppContext& ctx, const Variant& v);
+  void (*disassemble)(AppContext& ctx, const Variant& v);
+  void (*load)(AppContext& ctx, const Variant& v);
+  TableSize (*measure)(AppContext& ctx, const Variant& v);
+  void (*emit)(AppContext& ctx, const Variant& v, File& out);
+};
+
+// Whether a variant operation is there (a call, so that the test of a known function address
+// draws no warning).
+template <typename F>
+constexpr bool HasOperation(F* operation) {
+  return operation != nullptr;
+}
+
+// The module of variant kIndex of kVariants: each operation runs the kind's implementation on
+// that variant's data.
+template <const auto& kOperations, const auto& kVariants, std::size_t kIndex>
+constexpr TableModule VariantModule(TableId id) {
+  constexpr const auto& ops = kOperations;
+  constexpr const auto& kVariant = kVariants[kIndex];
+  using Open = std::uint32_t (*)(AppContext&, File&);
+  using Step = void (*)(AppContext&);
+  using Measure = TableSize (*)(AppContext&);
+  using Emit = void (*)(AppContext&, File&);
+  return {
+      .id = id,
+      .OpenTable = HasOperation(ops.open)
+                       ? Open{[](AppContext& c, File& f) { return ops.open(c, kVariant, f); }}
+                       : nullptr,
+      .ReportTable =
+          HasOperation(ops.report) ? Step{[](AppContext& c) { ops.report(c, kVariant); }} : nullptr,
+      .DisassembleTable = HasOperation(ops.disassemble)
+                              ? Step{[](AppContext& c) { ops.disassemble(c, kVariant); }}
+                              : nullptr,
+      .LoadTableSource =
+          HasOperation(ops.load) ? Step{[](AppContext& c) { ops.load(c, kVariant); }} : nullptr,
+      .MeasureTable = HasOperation(ops.measure)
+                          ? Measure{[](AppContext& c) { return ops.measure(c, kVariant); }}
+                          : nullptr,
+      .EmitTable = HasOperation(ops.emit)
+                       ? Emit{[](AppContext& c, File& f) { ops.emit(c, kVariant, f); }}
+                       : nullptr,
+  };
+}
 
 // The module of a table kind, or nullptr while that kind has no module.
 const TableModule* FindTableModule(TableId id);

@@ -32,20 +32,6 @@ struct EntryField {
   EntryLoad load;
 };
 
-constexpr FieldDesc Number(const char* key, std::uint16_t offset, std::uint16_t width,
-                           const char* report) {
-  return {.key = key,
-          .offset = offset,
-          .width = width,
-          .store = width == 1   ? Store::kU8
-                   : width == 2 ? Store::kBe16
-                                : Store::kBe32,
-          .form = SourceForm::kDecimal,
-          .load = LoadRule::kDecimal,
-          .style = ReportStyle::kValue,
-          .report = report};
-}
-
 // One 12-byte title entry; the key's index and the report's "Title set %d" are the title's
 // number, from 1.
 constexpr EntryField kEntry[] = {
@@ -58,13 +44,16 @@ constexpr EntryField kEntry[] = {
       .style = ReportStyle::kValue,
       .report = "    Title set %d: Title playback type: %x"},
      EntryLoad::kHexAfterFirstChar},
-    {Number("tt_agl_ns%02d", 1, 1, "    Title set %d: Number of angles: %d"), EntryLoad::kByField},
-    {Number("tt_ptt_ns%02d", 2, 2, "    Title set %d: Number of PTTs: %d"), EntryLoad::kByField},
-    {Number("tt_ptl_id_fld%02d", 4, 2, "    Title set %d: Parental ID field: %d"),
+    {DecimalNumber("tt_agl_ns%02d", 1, 1, "    Title set %d: Number of angles: %d"),
+     EntryLoad::kByField},
+    {DecimalNumber("tt_ptt_ns%02d", 2, 2, "    Title set %d: Number of PTTs: %d"),
+     EntryLoad::kByField},
+    {DecimalNumber("tt_ptl_id_fld%02d", 4, 2, "    Title set %d: Parental ID field: %d"),
      EntryLoad::kDecimalHostOrder},
-    {Number("vtsn%02d", 6, 1, "    Title set %d: Title set number: %d"), EntryLoad::kByField},
-    {Number("vts_ttn%02d", 7, 1, "    Title set %d: VTS_TTN: %d"), EntryLoad::kAlwaysOne},
-    {Number("vts_sa%02d", 8, 4, "    Title set %d: Title set starting sector number: %d"),
+    {DecimalNumber("vtsn%02d", 6, 1, "    Title set %d: Title set number: %d"),
+     EntryLoad::kByField},
+    {DecimalNumber("vts_ttn%02d", 7, 1, "    Title set %d: VTS_TTN: %d"), EntryLoad::kAlwaysOne},
+    {DecimalNumber("vts_sa%02d", 8, 4, "    Title set %d: Title set starting sector number: %d"),
      EntryLoad::kByField},
 };
 

@@ -149,22 +149,17 @@ void Emit(AppContext& ctx, const AdmapVariant& v, File& out) {
   loaded.shrink_to_fit();
 }
 
-// The module of variant V: each operation runs the one implementation above on its data.
-template <std::size_t V>
-constexpr TableModule MakeModule(TableId id) {
-  return {id,
-          [](AppContext& ctx, File& ifo) { return Open(ctx, kVariants[V], ifo); },
-          [](AppContext& ctx) { Report(ctx, kVariants[V]); },
-          [](AppContext& ctx) { Disassemble(ctx, kVariants[V]); },
-          [](AppContext& ctx) { Load(ctx, kVariants[V]); },
-          [](AppContext& ctx) { return Measure(ctx, kVariants[V]); },
-          [](AppContext& ctx, File& out) { Emit(ctx, kVariants[V], out); }};
-}
+// Each variant's module runs the one implementation above on the variant's data.
+constexpr VariantOperations<AdmapVariant> kOperations = {Open, Report,  Disassemble,
+                                                         Load, Measure, Emit};
 
 }  // namespace
 
-const TableModule kVmgmVobuAdmapModule = MakeModule<0>(TableId::kVmgmVobuAdmap);
-const TableModule kVtsmVobuAdmapModule = MakeModule<1>(TableId::kVtsmVobuAdmap);
-const TableModule kVtsVobuAdmapModule = MakeModule<2>(TableId::kVtsVobuAdmap);
+const TableModule kVmgmVobuAdmapModule =
+    VariantModule<kOperations, kVariants, 0>(TableId::kVmgmVobuAdmap);
+const TableModule kVtsmVobuAdmapModule =
+    VariantModule<kOperations, kVariants, 1>(TableId::kVtsmVobuAdmap);
+const TableModule kVtsVobuAdmapModule =
+    VariantModule<kOperations, kVariants, 2>(TableId::kVtsVobuAdmap);
 
 }  // namespace tarvex

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "ifo/fields.h"
+#include "ifo/opened_table.h"
 #include "ifo/source.h"
 #include "platform/bytes.h"
 #include "platform/format.h"
@@ -15,21 +16,10 @@ namespace {
 constexpr std::uint32_t kHeaderBytes = 8;
 constexpr std::uint32_t kPointerBytes = 4;
 constexpr std::uint32_t kRecordBytes = 776;
-constexpr const char* kName = "VMG_ATRT";
-constexpr const char* kDescription = "Video Title Set Attribute Table";
+constexpr TableNames kNames = {"VMG_ATRT", "Video Title Set Attribute Table.",
+                               "Video Title Set Attribute Table"};
 constexpr const char* kSection = "vts_atrt";
 constexpr const char* kMissingCaption = "Statement missing in vts_atrt!";
-
-constexpr FieldDesc Count(const char* key, std::uint16_t offset, const char* report) {
-  return {.key = key,
-          .offset = offset,
-          .width = 1,
-          .store = Store::kU8,
-          .form = SourceForm::kDecimal,
-          .load = LoadRule::kDecimal,
-          .style = ReportStyle::kValue,
-          .report = report};
-}
 
 // A menu stream's single attribute byte: written as hex, read back as a decimal number after
 // the "x" (so x1f comes back as 1): the established reading of these keys.
@@ -81,15 +71,15 @@ constexpr FieldDesc kRecord[] = {
      .style = ReportStyle::kValue,
      .report = "    VTS_CAT Application type %d"},
     AttributeBytes("vtsm_v_atr", 8, 2, -1, "    Attributes of VTSM_VOBS: %x%x"),
-    Count("vtsm_ast_ns", 11, "    Number of audio streams in VTSM_VOBS: %d"),
+    DecimalNumber("vtsm_ast_ns", 11, 1, "    Number of audio streams in VTSM_VOBS: %d"),
     MenuStreamByte("vtsm_ast_atr%02d", 12, 11, "      Audio %d attributes: %x"),
-    Count("vtsm_spst_ns", 93, "    Number of subpicture streams: %d"),
+    DecimalNumber("vtsm_spst_ns", 93, 1, "    Number of subpicture streams: %d"),
     MenuStreamByte("vtsm_spst_atr%02d", 94, 93, "      Subpicture stream %d attributes: %x"),
     AttributeBytes("vts_v_atr", 264, 2, -1, "    Video attributes of VTSTT_VOBS: %x%x"),
-    Count("vts_ast_ns", 267, "    Number of audio streams in VTSTT_VOBS: %d"),
+    DecimalNumber("vts_ast_ns", 267, 1, "    Number of audio streams in VTSTT_VOBS: %d"),
     AttributeBytes("vts_ast_atr%02d", 268, 8, 267,
                    "      Audio %d attributes: %02x%02x%02x%02x%02x%02x%02x%02x"),
-    Count("vts_spst_ns", 349, "    Number of subpicture streams in VTSTT_VOBS: %d"),
+    DecimalNumber("vts_spst_ns", 349, 1, "    Number of subpicture streams in VTSTT_VOBS: %d"),
     // Reported by the first byte of each 6-byte block.
     AttributeBytes("vts_spst_atr%02d", 350, 6, 349, "      Subpicture stream %d attributes: %x"),
 };
@@ -98,37 +88,26 @@ std::string RecordPrefix(std::uint32_t title_set) {
   return Format("vts_atrt_srp%03d_", {title_set});
 }
 
+// Returns the number of title sets rather than the end address.
 std::uint32_t Open(AppContext& ctx, File& ifo) {
-  VtsAtrtState& s = ctx.ifo.vts_atrt;
-  s.open = false;
-  std::uint32_t start = ctx.ifo.vmgi_mat.vts_atrt_sa;
-  if (start == 0) {
-    AddAbsenceLine(ctx, kName, "Video Title Set Attribute Table.");
-    return 0;
-  }
-  std::int64_t pos = std::int64_t{start} * kSectorSize;
-  std::vector<std::uint8_t> header = ReadFileBlock(ifo, pos, kHeaderBytes);
-  AddHeadingLine(ctx, kName, kDescription);
-  s.vts_ns = ByteView(header).be16(0);
-  s.end_address = ByteView(header).be32(4);
-  s.area_pos = pos + kHeaderBytes;
-  s.open = true;
-  return s.vts_ns;
+  OpenedTable& table = ctx.ifo.vts_atrt.opened;
+  OpenCountedTable(ctx, ifo, ctx.ifo.vmgi_mat.vts_atrt_sa, kNames, table);
+  return table.count;
 }
 
 // The end-address bytes after the header; what lies beyond the end of the file reads 0.
-std::vector<std::uint8_t> ReadArea(AppContext& ctx, const VtsAtrtState& s) {
-  std::int64_t rest = std::max<std::int64_t>(ctx.open.file_handle.Length() - s.area_pos, 0);
+std::vector<std::uint8_t> ReadArea(AppContext& ctx, const OpenedTable& s) {
+  std::int64_t rest = std::max<std::int64_t>(ctx.open.file_handle.Length() - s.body_pos, 0);
   std::int64_t bytes = std::min<std::int64_t>(s.end_address, rest);
-  return ReadFileBlock(ctx.open.file_handle, s.area_pos, static_cast<std::size_t>(bytes));
+  return ReadFileBlock(ctx.open.file_handle, s.body_pos, static_cast<std::size_t>(bytes));
 }
 
 // The title sets whose search pointer starts within the file: a damaged count must not make
 // the report and the disassembly run on through zeros.
-std::uint32_t TitleSetCount(AppContext& ctx, const VtsAtrtState& s) {
-  std::int64_t rest = ctx.open.file_handle.Length() - s.area_pos;
+std::uint32_t TitleSetCount(AppContext& ctx, const OpenedTable& s) {
+  std::int64_t rest = ctx.open.file_handle.Length() - s.body_pos;
   std::int64_t in_file = rest > 0 ? (rest + kPointerBytes - 1) / kPointerBytes : 0;
-  return static_cast<std::uint32_t>(std::min<std::int64_t>(s.vts_ns, in_file));
+  return static_cast<std::uint32_t>(std::min<std::int64_t>(s.count, in_file));
 }
 
 // The record at a byte offset from the table start (the area begins 8 bytes in); reads run on
@@ -139,9 +118,9 @@ ByteView RecordAt(ByteView area, std::uint32_t table_offset) {
 
 void Report(AppContext& ctx) {
   ctx.ClearReportList();
-  const VtsAtrtState& s = ctx.ifo.vts_atrt;
-  if (!s.open) return;
-  ctx.AddReportLine(Format("Number of Video Title Sets: %d", {s.vts_ns}));
+  const OpenedTable& s = ctx.ifo.vts_atrt.opened;
+  if (!s.open()) return;
+  ctx.AddReportLine(Format("Number of Video Title Sets: %d", {s.count}));
   ctx.AddReportLine(Format("End byte address of VTS_ATR table: %d", {s.end_address}));
   std::vector<std::uint8_t> block = ReadArea(ctx, s);
   ByteView area(block);
@@ -153,9 +132,9 @@ void Report(AppContext& ctx) {
 }
 
 void Disassemble(AppContext& ctx) {
-  const VtsAtrtState& s = ctx.ifo.vts_atrt;
-  if (!s.open) return;
-  WriteSourceValue(ctx, kSection, "vts_ns", Format("%d", {s.vts_ns}));
+  const OpenedTable& s = ctx.ifo.vts_atrt.opened;
+  if (!s.open()) return;
+  WriteSourceValue(ctx, kSection, "vts_ns", Format("%d", {s.count}));
   WriteSourceValue(ctx, kSection, "vts_atrt_ea", Format("%d", {s.end_address}));
   std::vector<std::uint8_t> block = ReadArea(ctx, s);
   ByteView area(block);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "ifo/opened_table.h"
 #include "ifo/pgc.h"
 #include "ifo/source.h"
 #include "ifo/vtsi_mat.h"
@@ -13,8 +14,9 @@ namespace tarvex {
 
 namespace {
 
-constexpr const char* kName = "VTS_PGCITI";
-constexpr const char* kDescription = "Video title set Program Chain Information Table";
+// The absence line has no full stop.
+constexpr TableNames kNames = {"VTS_PGCITI", "Video title set Program Chain Information Table",
+                               "Video title set Program Chain Information Table"};
 constexpr const char* kSection = "vts_pgcit";
 constexpr const char* kMissingCaption = "Statement missing in vts_pgciti";
 constexpr const char* kPgcPrefix = "vts_pgc_";
@@ -29,35 +31,22 @@ struct Body {
   std::uint32_t pointers = 0;
 };
 
-Body ReadBody(const VtsPgcitState& s) {
+Body ReadBody(const OpenedTable& s) {
   Body body;
-  std::int64_t at = s.start + kHeaderSize;
-  body.bytes = ReadFileBlock(*s.file, at, s.end_address & 0xFFFFu);
-  body.pointers = PointersPresent(s.count, body.bytes.size(), 0, at, s.file->Length());
+  body.bytes = ReadTableBody(s, s.end_address & 0xFFFFu);
+  body.pointers = PointersPresent(s.count, body.bytes.size(), 0, s.body_pos, s.file->Length());
   return body;
 }
 
 std::uint32_t OpenPgcit(AppContext& ctx, File& ifo) {
-  VtsPgcitState& s = ctx.ifo.vts_pgcit;
-  s.file = nullptr;
-  std::uint32_t sector = TitleSetStartSector(ctx, kVtsPgcitSa);
-  if (sector == 0) {
-    AddAbsenceLine(ctx, kName, kDescription);
-    return 0;
-  }
-  s.file = &ifo;
-  s.start = static_cast<std::int64_t>(sector) * kSectorSize;
-  std::vector<std::uint8_t> header = ReadFileBlock(ifo, s.start, kHeaderSize);
-  AddHeadingLine(ctx, kName, kDescription);
-  s.count = ByteView(header).be16(0);
-  s.end_address = ByteView(header).be32(4);
-  return s.end_address;
+  return OpenCountedTable(ctx, ifo, TitleSetStartSector(ctx, kVtsPgcitSa), kNames,
+                          ctx.ifo.vts_pgcit.opened);
 }
 
 void ReportPgcit(AppContext& ctx) {
   ctx.ClearReportList();
-  const VtsPgcitState& s = ctx.ifo.vts_pgcit;
-  if (s.file == nullptr) return;
+  const OpenedTable& s = ctx.ifo.vts_pgcit.opened;
+  if (!s.open()) return;
   Body body = ReadBody(s);
   ByteView view(body.bytes);
   ctx.AddReportLine(Format("Number of VTS_PGCI_SRP: %d", {s.count}));
@@ -74,8 +63,8 @@ void ReportPgcit(AppContext& ctx) {
 }
 
 void DisassemblePgcit(AppContext& ctx) {
-  const VtsPgcitState& s = ctx.ifo.vts_pgcit;
-  if (s.file == nullptr) return;
+  const OpenedTable& s = ctx.ifo.vts_pgcit.opened;
+  if (!s.open()) return;
   Body body = ReadBody(s);
   ByteView view(body.bytes);
   WriteSourceValue(ctx, kSection, "vts_pgci_srp_ns", Format("%d", {s.count}));
@@ -94,15 +83,15 @@ void DisassemblePgcit(AppContext& ctx) {
 void LoadPgcit(AppContext& ctx) {
   VtsPgcitState& s = ctx.ifo.vts_pgcit;
   s.pgcs.clear();
-  s.count = 0;
-  s.end_address = 0;
+  s.opened.count = 0;
+  s.opened.end_address = 0;
   std::string value;
   if (!ReadSourceValue(ctx, kSection, "vts_pgci_srp_ns", value)) {
     ReportMissingStatement(ctx, "vts_pgci_srp_ns", kMissingCaption);
     return;
   }
-  s.count = static_cast<std::uint16_t>(ParseDecimal(value));
-  for (std::uint32_t n = 1; n <= s.count; ++n) {
+  s.opened.count = static_cast<std::uint16_t>(ParseDecimal(value));
+  for (std::uint32_t n = 1; n <= s.opened.count; ++n) {
     LoadedPgc pgc;
     std::string key = Format("vts_pgc_cat%02d", {n});
     if (ReadSourceValue(ctx, kSection, key, value)) {
@@ -117,17 +106,14 @@ void LoadPgcit(AppContext& ctx) {
 
 // Header, pointers and chains: 8 + 8 x count + the chain sizes.
 std::uint32_t TableBytes(const VtsPgcitState& s) {
-  if (s.pgcs.empty()) return 0;
-  std::uint32_t bytes = kHeaderSize + kPointerSize * static_cast<std::uint32_t>(s.pgcs.size());
-  for (const LoadedPgc& pgc : s.pgcs) bytes += static_cast<std::uint32_t>(pgc.bytes.size());
-  return bytes;
+  return s.pgcs.empty() ? 0 : ChainBlockBytes(s.pgcs);
 }
 
 TableSize MeasurePgcit(AppContext& ctx) {
   VtsPgcitState& s = ctx.ifo.vts_pgcit;
   std::uint32_t bytes = TableBytes(s);
   if (bytes == 0) return {};
-  s.end_address = bytes - 1;
+  s.opened.end_address = bytes - 1;
   return {SectorsFor(bytes), bytes};
 }
 
@@ -138,20 +124,10 @@ void EmitPgcit(AppContext& ctx, File& out) {
   std::vector<std::uint8_t> table;
   table.reserve(bytes);
   ByteAppender a(table);
-  a.be16(static_cast<std::uint32_t>(s.pgcs.size()));
-  a.be16(0);
-  a.be32(bytes - 1);
-  // Chain n starts right after chain n - 1, the first right after the pointers.
-  std::uint32_t offset = kHeaderSize + kPointerSize * static_cast<std::uint32_t>(s.pgcs.size());
-  for (const LoadedPgc& pgc : s.pgcs) {
-    a.be32(pgc.category);
-    a.be32(offset);
-    offset += static_cast<std::uint32_t>(pgc.bytes.size());
-  }
-  for (const LoadedPgc& pgc : s.pgcs) table.insert(table.end(), pgc.bytes.begin(), pgc.bytes.end());
+  AppendChainBlock(a, s.pgcs, bytes - 1);
   out.Write(table.data(), table.size());
   s.pgcs.clear();
-  s.count = 0;
+  s.opened.count = 0;
   PadToSector(out);
 }
 
@@ -173,6 +149,27 @@ std::vector<std::uint8_t> AssembleChainBytes(AppContext& ctx, std::string_view s
   std::vector<std::uint8_t> bytes(pgc_layout(ctx), 0);
   pgc_copy_out(ctx, bytes);
   return bytes;
+}
+
+std::uint32_t ChainBlockBytes(const std::vector<LoadedPgc>& pgcs) {
+  std::uint32_t bytes = kHeaderSize + kPointerSize * static_cast<std::uint32_t>(pgcs.size());
+  for (const LoadedPgc& pgc : pgcs) bytes += static_cast<std::uint32_t>(pgc.bytes.size());
+  return bytes;
+}
+
+void AppendChainBlock(ByteAppender& a, const std::vector<LoadedPgc>& pgcs,
+                      std::uint32_t end_field) {
+  auto count = static_cast<std::uint32_t>(pgcs.size());
+  a.be16(count);
+  a.be16(0);
+  a.be32(end_field);
+  std::uint32_t offset = kHeaderSize + kPointerSize * count;
+  for (const LoadedPgc& pgc : pgcs) {
+    a.be32(pgc.category);
+    a.be32(offset);
+    offset += static_cast<std::uint32_t>(pgc.bytes.size());
+  }
+  for (const LoadedPgc& pgc : pgcs) a.bytes(ByteView(pgc.bytes));
 }
 
 std::uint32_t PointersPresent(std::uint32_t count, std::size_t body_size, std::size_t pos,

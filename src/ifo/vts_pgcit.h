@@ -7,7 +7,9 @@
 #include <vector>
 
 #include "app/context.h"
+#include "ifo/pgci_state.h"
 #include "ifo/table.h"
+#include "platform/bytes.h"
 #include "platform/file_io.h"
 
 namespace tarvex {
@@ -18,6 +20,15 @@ extern const TableModule kVtsPgcitModule;
 // for writing (assemble, lay out, copy out).
 std::vector<std::uint8_t> AssembleChainBytes(AppContext& ctx, std::string_view section,
                                              std::string_view prefix);
+
+// Size of a block of program chains as it is written: an 8-byte header, one 8-byte search
+// pointer per chain, and the chains.
+std::uint32_t ChainBlockBytes(const std::vector<LoadedPgc>& pgcs);
+
+// Appends such a block: the header (chain count, two zero bytes, end_field), the search
+// pointers (category, and offset from the block start: the first chain right after the
+// pointers, each next one right after the one before) and the chains.
+void AppendChainBlock(ByteAppender& a, const std::vector<LoadedPgc>& pgcs, std::uint32_t end_field);
 
 // How many 8-byte search pointers, starting at byte pos of body (whose first byte lies at
 // file position body_start), are read: at most count, and only those lying wholly within

@@ -31,17 +31,6 @@ constexpr FieldDesc Swapped(const char* key, std::uint16_t offset, const char* r
           .report = report};
 }
 
-constexpr FieldDesc Count(const char* key, std::uint16_t offset, const char* report) {
-  return {.key = key,
-          .offset = offset,
-          .width = 1,
-          .store = Store::kU8,
-          .form = SourceForm::kDecimal,
-          .load = LoadRule::kDecimal,
-          .style = ReportStyle::kValue,
-          .report = report};
-}
-
 constexpr FieldDesc Attributes(const char* key, std::uint16_t offset, std::uint16_t width,
                                const char* report) {
   return {.key = key,
@@ -103,12 +92,12 @@ constexpr FieldDesc kVtsiMat[] = {
      .load = LoadRule::kHexValue,
      .style = ReportStyle::kBytes,
      .report = "Video attributes of VTSM_VOBS: %02x%02x"},
-    Count("vtsm_ast_ns", 0x103, "Number of audio streams in VTSM_VOBS: %d"),
+    DecimalNumber("vtsm_ast_ns", 0x103, 1, "Number of audio streams in VTSM_VOBS: %d"),
     Attributes("vtsm_ast_atr", 0x104, 8, "VTSM Audio attributes: %02x%02x%02x%02x%02x%02x%02x%02x"),
-    Count("vtsm_spst_ns", 0x155, "Number of VTSM subpicture streams: %d"),
+    DecimalNumber("vtsm_spst_ns", 0x155, 1, "Number of VTSM subpicture streams: %d"),
     Attributes("vtsm_spst_atr", 0x156, 6, "VTSM subpicture attributes: %02x%02x%02x%02x%02x%02x"),
     Attributes("vts_v_atr", 0x200, 2, "Video attributes of VTSTT_VOBS: %02x%02x"),
-    Count("vts_ast_ns", 0x203, "Number of audio streams in VTSTT_VOBS: %d"),
+    DecimalNumber("vts_ast_ns", 0x203, 1, "Number of audio streams in VTSTT_VOBS: %d"),
     {.key = "vts_ast_atrt%02d",
      .offset = 0x204,
      .width = 8,
@@ -119,7 +108,7 @@ constexpr FieldDesc kVtsiMat[] = {
      .report = "  Audio %d attributes: %02x%02x%02x%02x%02x%02x%02x%02x",
      .count_at = 0x203,
      .stride = 8},
-    Count("vts_spst_ns", 0x255, "Number of subpicture streams in VTSTT_VOBS: %d"),
+    DecimalNumber("vts_spst_ns", 0x255, 1, "Number of subpicture streams in VTSTT_VOBS: %d"),
     {.key = "vts_spst_atrt%02d",
      .offset = 0x256,
      .width = 6,
