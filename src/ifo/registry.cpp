@@ -3,8 +3,8 @@
 #include <array>
 
 #include "ifo/c_adt.h"
-#include "ifo/ptl_mait.h"
 #include "ifo/pgci_ut.h"
+#include "ifo/ptl_mait.h"
 #include "ifo/table.h"
 #include "ifo/tt_srpt.h"
 #include "ifo/txtdt_mg.h"
