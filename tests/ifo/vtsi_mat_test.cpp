@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "ifo/ifo_drivers.h"
 #include "ifo/ifo_images.h"
 #include "platform/bytes.h"
 #include "platform/format.h"
@@ -144,12 +145,7 @@ struct Assembled {
 };
 
 std::string VtsSource() {
-  std::string s = ExpectedSource();
-  std::string out;
-  for (char c : s) {
-    if (c != '\r') out += c;
-  }
-  return out;
+  return test::WithoutCr(ExpectedSource());
 }
 
 Assembled Assemble(Fixture& f, const std::string& source) {
