@@ -369,17 +369,12 @@ TEST(AdtAssembleTest, TheHeaderCountComesFromItsOwnKey) {
 
 TEST(AdtAssembleTest, ASourceWithoutTheSectionLeavesTheTableOutOfATitleSet) {
   Fixture f;
-  f.ctx->convert.source_path = f.dir.file("VTS_01_0.INI");
-  test::WriteText(
-      f.ctx->convert.source_path,
-      "[vtsi_mat]\nvts_id=DVDVIDEO-VTS\nvern=1.1\nvts_cat=00000000\n" + std::string(kTwoVobSource));
+  test::UseSource(
+      f,
+      "[vtsi_mat]\nvts_id=DVDVIDEO-VTS\nvern=1.1\nvts_cat=00000000\n" + std::string(kTwoVobSource),
+      "VTS_01_0.INI");
   for (TableId id : {TableId::kVtsCAdt, TableId::kVtsmCAdt}) LoadTableSource(*f.ctx, id);
-  std::string out_path = f.dir.file("VTS_01_0.IFO");
-  {
-    File out = File::Create(out_path);
-    AssembleTitleSet(*f.ctx, out, out_path);
-  }
-  std::vector<std::uint8_t> bytes = test::ReadFileBytes(out_path);
+  std::vector<std::uint8_t> bytes = test::AssembleTitleSetInto(f, "VTS_01_0.IFO");
   ByteView v(bytes);
   EXPECT_EQ(v.be32(kVtsmCAdtSa), 0u);  // no vtsm_c_adt section
   EXPECT_EQ(v.be32(kVtsCAdtSa), 1u);   // right after VTSI_MAT

@@ -8,6 +8,8 @@
 
 #include "convert/drivers.h"
 #include "ifo/ifo_images.h"
+#include "ifo/vmgi_mat.h"
+#include "ifo/vtsi_mat.h"
 #include "platform/file_io.h"
 
 namespace tarvex::test {
@@ -101,6 +103,24 @@ EmittedTable LoadAndEmit(Fixture& f, TableId id, const std::string& name) {
   LoadTableSource(*f.ctx, id);
   TableSize size = MeasureTable(*f.ctx, id);
   return {size.sectors, size.bytes, EmitInto(f, id, name)};
+}
+
+std::vector<std::uint8_t> AssembleTitleSetInto(Fixture& f, const std::string& name) {
+  std::string path = f.dir.file(name);
+  {
+    File out = File::Create(path);
+    AssembleTitleSet(*f.ctx, out, path);
+  }
+  return ReadFileBytes(path);
+}
+
+std::vector<std::uint8_t> AssembleVideoManagerInto(Fixture& f, const std::string& name) {
+  std::string path = f.dir.file(name);
+  {
+    File out = File::Create(path);
+    AssembleVideoManager(*f.ctx, out, path);
+  }
+  return ReadFileBytes(path);
 }
 
 std::vector<std::uint8_t> AssembleTable(Fixture& f, TableId id, const std::string& source,

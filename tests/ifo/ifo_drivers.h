@@ -59,6 +59,11 @@ struct EmittedTable {
 };
 EmittedTable LoadAndEmit(Fixture& f, TableId id, const std::string& name = "OUT.IFO");
 
+// Assembles the loaded tables as a whole title set or video manager IFO into dir/name with
+// the assembly entry point (no batch driver); returns the written bytes.
+std::vector<std::uint8_t> AssembleTitleSetInto(Fixture& f, const std::string& name);
+std::vector<std::uint8_t> AssembleVideoManagerInto(Fixture& f, const std::string& name);
+
 // UseSource and LoadAndEmit in one step: the bytes written, and the size measured if asked.
 std::vector<std::uint8_t> AssembleTable(Fixture& f, TableId id, const std::string& source,
                                         TableSize* size = nullptr);

@@ -407,8 +407,8 @@ TEST(PgciUtAssembleTest, OneUnitWithChainsOf200And300Bytes) {
 TEST(PgciUtAssembleTest, DisassembledTableAssemblesBackToTheSameBytes) {
   Fixture f;
   OpenVts(f, VtsWith(OneUnitTable()));
-  std::string text = test::DisassembleTables(f, {TableId::kVtsmPgciUt, TableId::kVtsmLu});
-  text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
+  std::string text =
+      test::WithoutCr(test::DisassembleTables(f, {TableId::kVtsmPgciUt, TableId::kVtsmLu}));
   test::LoadSource(f, TableId::kVtsmPgciUt, text);
   EXPECT_EQ(MeasureTable(*f.ctx, TableId::kVtsmPgciUt).bytes, 350u);
   std::vector<std::uint8_t> expected = OneUnitTable();
@@ -527,9 +527,7 @@ TEST(PgciUtAssembleTest, LanguageUnitLoadIsTheEmptyStep) {
 TEST(PgciUtAssembleTest, TitleSetAssemblyShowsALoadMessageOnce) {
   Fixture f;
   OpenVts(f, VtsWith(OneUnitTable()));
-  std::string source = test::DisassembleIfoTo(f, "VTS_01_0.INI");
-  std::string text = test::ReadFileText(source);
-  text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
+  std::string text = test::WithoutCr(test::ReadFileText(test::DisassembleIfoTo(f, "VTS_01_0.INI")));
   std::size_t at = text.find("vtsm_lu_srp01_lcd=en\n");
   ASSERT_NE(at, std::string::npos);
   text.erase(at, 21);

@@ -345,12 +345,7 @@ TEST(SrptTitleAssembleTest, VideoManagerAssemblyPlacesTheTable) {
     std::string text = test::ReadFileText(f.ctx->convert.source_path) + TitleSource(count, 1);
     test::WriteText(f.ctx->convert.source_path, text);
     LoadTableSource(*f.ctx, TableId::kVmgPttSrpt);
-    std::string out_path = f.dir.file("VIDEO_TS.IFO");
-    {
-      File out = File::Create(out_path);
-      AssembleVideoManager(*f.ctx, out, out_path);
-    }
-    std::vector<std::uint8_t> bytes = test::ReadFileBytes(out_path);
+    std::vector<std::uint8_t> bytes = test::AssembleVideoManagerInto(f, "VIDEO_TS.IFO");
     ByteView v(bytes);
     if (count == 1) {
       ASSERT_EQ(bytes.size(), 2u * 2048);

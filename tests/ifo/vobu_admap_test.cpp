@@ -253,21 +253,16 @@ TEST(AdmapAssembleTest, OneByteMoreThanASectorIsPaddedToTwo) {
 
 TEST(AdmapAssembleTest, EmptySectionGivesNoMapAndStartSectorZero) {
   Fixture f;
-  f.ctx->convert.source_path = f.dir.file("VTS_01_0.INI");
-  test::WriteText(f.ctx->convert.source_path,
+  test::UseSource(f,
                   "[vtsi_mat]\nvts_id=DVDVIDEO-VTS\n[vts_vobu_admap]\n[vtsm_vobu_admap]\n"
-                  "vobu_sa0001=4\n");
+                  "vobu_sa0001=4\n",
+                  "VTS_01_0.INI");
   for (TableId id : {TableId::kVtsVobuAdmap, TableId::kVtsmVobuAdmap}) {
     LoadTableSource(*f.ctx, id);
   }
   EXPECT_EQ(MeasureTable(*f.ctx, TableId::kVtsVobuAdmap).sectors, 0u);
   EXPECT_EQ(MeasureTable(*f.ctx, TableId::kVtsVobuAdmap).bytes, 0u);
-  std::string out_path = f.dir.file("VTS_01_0.IFO");
-  {
-    File out = File::Create(out_path);
-    AssembleTitleSet(*f.ctx, out, out_path);
-  }
-  std::vector<std::uint8_t> bytes = test::ReadFileBytes(out_path);
+  std::vector<std::uint8_t> bytes = test::AssembleTitleSetInto(f, "VTS_01_0.IFO");
   ByteView v(bytes);
   EXPECT_EQ(v.be32(kVtsVobuAdmapSa), 0u);
   EXPECT_EQ(v.be32(kVtsmVobuAdmapSa), 1u);

@@ -166,12 +166,7 @@ TEST(SrptPartRulesTest, NoEntriesGivesStartSectorZeroInTheTitleSet) {
     f.ctx->profiles.Flush();
     test::WriteText(f.ctx->convert.source_path, base + "\n[vts_ptt_srpt]\nvts_ttu_ns=1\n" + part);
     LoadTableSource(*f.ctx, TableId::kVtsPttSrpt);
-    std::string out_path = f.dir.file("VTS_01_0.IFO");
-    {
-      File out = File::Create(out_path);
-      AssembleTitleSet(*f.ctx, out, out_path);
-    }
-    std::vector<std::uint8_t> bytes = test::ReadFileBytes(out_path);
+    std::vector<std::uint8_t> bytes = test::AssembleTitleSetInto(f, "VTS_01_0.IFO");
     ByteView v(bytes);
     if (*part == '\0') {
       EXPECT_EQ(bytes.size(), 2048u);

@@ -171,12 +171,7 @@ TEST(TmaptAssembleTest, MissingCountGivesStartSectorZeroInTheTitleSet) {
                   test::ReadFileText(f.ctx->convert.source_path) +
                       "\n[vts_tmapti]\nvts_tmap01_tmu=1\nvts_tmap01_map_en_ns=0\n");
   LoadTableSource(*f.ctx, TableId::kVtsTmapt);
-  std::string out_path = f.dir.file("VTS_01_0.IFO");
-  {
-    File out = File::Create(out_path);
-    AssembleTitleSet(*f.ctx, out, out_path);
-  }
-  std::vector<std::uint8_t> bytes = test::ReadFileBytes(out_path);
+  std::vector<std::uint8_t> bytes = test::AssembleTitleSetInto(f, "VTS_01_0.IFO");
   EXPECT_EQ(bytes.size(), 2048u);
   EXPECT_EQ(ByteView(bytes).be32(kVtsTmaptSa), 0u);
 }
