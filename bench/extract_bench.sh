@@ -8,6 +8,8 @@
 # and reports wall time, throughput and peak memory (maximum resident set) of each.
 # Goals: extraction within 1.5 x cp's time, faster than ffmpeg, peak memory under 16 MB.
 #
+# Each of tarvex, cp and cat runs REPEAT times (default 3) and its median time counts.
+#
 # Usage: bench/extract_bench.sh [VOB] [MIN_MB]
 #   VOB     default samples/disc/VIDEO_TS/VTS_01_1.VOB
 #   MIN_MB  size of the repeated stream, default 1024
@@ -37,31 +39,41 @@ bytes=$(stat -c %s "$big")
 echo "stream: $copies x $(basename "$vob") = $bytes bytes"
 cat "$big" > /dev/null  # warm the page cache so every contender starts alike
 
-# ---- timing helper: NAME then the command; prints seconds, MB/s and peak RSS ------------
+# ---- timing helper: NAME then the command; runs it REPEAT times (default 3, the page cache
+# and the disk's write-back make single runs noisy) and prints the median seconds, MB/s and the
+# highest peak RSS. Outputs of a run are removed before the next (cleanup runs between runs).
+repeat=${REPEAT:-3}
 results=()
 run() {
   local name=$1; shift
-  local log=$work/$name.time
-  sync
-  /usr/bin/time -v -o "$log" "$@" > "$work/$name.out" 2> "$work/$name.err" ||
-    { echo "$name failed:" >&2; cat "$work/$name.err" >&2; exit 1; }
-  local wall rss secs
-  wall=$(sed -n 's/.*Elapsed (wall clock) time (h:mm:ss or m:ss): //p' "$log")
-  rss=$(sed -n 's/.*Maximum resident set size (kbytes): //p' "$log")
-  secs=$(awk -v t="$wall" 'BEGIN { n = split(t, p, ":"); s = 0;
-                                   for (i = 1; i <= n; i++) s = s * 60 + p[i]; print s }')
-  printf '%-10s %8.2f s %9.1f MB/s %8.1f MB peak\n' "$name" "$secs" \
+  local log=$work/$name.time times=() rss_max=0 wall rss secs
+  for ((r = 0; r < repeat; r++)); do
+    [ -n "${cleanup:-}" ] && eval "$cleanup"
+    sync
+    /usr/bin/time -v -o "$log" "$@" > "$work/$name.out" 2> "$work/$name.err" ||
+      { echo "$name failed:" >&2; cat "$work/$name.err" >&2; exit 1; }
+    wall=$(sed -n 's/.*Elapsed (wall clock) time (h:mm:ss or m:ss): //p' "$log")
+    rss=$(sed -n 's/.*Maximum resident set size (kbytes): //p' "$log")
+    secs=$(awk -v t="$wall" 'BEGIN { n = split(t, p, ":"); s = 0;
+                                     for (i = 1; i <= n; i++) s = s * 60 + p[i]; print s }')
+    times+=("$secs")
+    [ "$rss" -gt "$rss_max" ] && rss_max=$rss
+  done
+  secs=$(printf '%s\n' "${times[@]}" | sort -g | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }')
+  printf '%-10s %8.2f s %9.1f MB/s %8.1f MB peak   (runs: %s)\n' "$name" "$secs" \
     "$(awk -v b="$bytes" -v s="$secs" 'BEGIN { print (s > 0 ? b / 1048576 / s : 0) }')" \
-    "$(awk -v k="$rss" 'BEGIN { print k / 1024 }')"
-  results+=("$name $secs $rss")
+    "$(awk -v k="$rss_max" 'BEGIN { print k / 1024 }')" "${times[*]}"
+  results+=("$name $secs $rss_max")
 }
 
 mkdir -p "$work/tarvex" "$work/ffmpeg"
+cleanup='rm -f "$work"/tarvex/*'
 run tarvex "$cli" extract "$big" --audio --video --dir "$work/tarvex" \
   --video-out "$work/tarvex/stream.M2V"
-rm -f "$work/COPY"
+cleanup='rm -f "$work/COPY"'
 run cp cp "$big" "$work/COPY"
 rm -f "$work/COPY"
+cleanup=
 run cat sh -c 'cat "$1" > /dev/null' sh "$big"
 # ffmpeg: the video into an M2V and each audio stream into its own file, as extracted.
 ffargs=(-nostdin -v error -y -i "$big" -map 0:v -c copy -f mpeg2video "$work/ffmpeg/stream.m2v")
@@ -80,6 +92,7 @@ while read -r codec; do
   fi
   audio=$((audio + 1))
 done < <(ffprobe -v error -select_streams a -show_entries stream=codec_name -of csv=p=0 "$vob")
+repeat=1  # ffmpeg is an order of magnitude slower; one run tells
 run ffmpeg ffmpeg "${ffargs[@]}"
 
 echo
