@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "ifo/ifo_drivers.h"
 #include "ifo/ifo_images.h"
 #include "platform/bytes.h"
 #include "platform/paths.h"
@@ -34,8 +35,7 @@ TEST(IfoOverviewTest, VideoManagerShowsItsHeadingLines) {
 
 TEST(IfoOverviewTest, TitleSetShowsItsHeadingLines) {
   Fixture f;
-  f.OpenBytes("VTS_01_0.IFO", test::MakeVtsImage(), kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VTS_01_0.IFO", test::MakeVtsImage());
   EXPECT_EQ(Head(f, 3), (std::vector<std::string>{
                             "VTSI_MAT IFO File: Video Title Set Information Management Table",
                             "** VTSM_VOB: There is no VTS Menu VOB",
@@ -44,8 +44,7 @@ TEST(IfoOverviewTest, TitleSetShowsItsHeadingLines) {
 
 TEST(IfoDetailsTest, HeadingLineShowsTheTableAndTheNextPressReturnsToTheOverview) {
   Fixture f;
-  f.OpenBytes("VIDEO_TS.IFO", test::MakeVmgImage(), kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VIDEO_TS.IFO", test::MakeVmgImage());
   std::vector<std::string> overview = f.lines();
   f.ctx->report.Select(0);
   ShowIfoDetails(*f.ctx);
@@ -61,8 +60,7 @@ TEST(IfoDetailsTest, LineMatchingNoTableDoesNothing) {
   Fixture f;
   std::vector<std::uint8_t> image = test::MakeVmgImage();
   ByteWriter(image).put_be32(192, 0);
-  f.OpenBytes("VIDEO_TS.IFO", image, kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VIDEO_TS.IFO", image);
   ASSERT_EQ(f.lines()[1], "** VMGM_VOB: There is no VMG Menu VOB");
   std::vector<std::string> overview = f.lines();
   f.ctx->report.Select(1);
@@ -74,8 +72,7 @@ TEST(IfoDetailsTest, LineMatchingNoTableDoesNothing) {
 
 TEST(IfoDetailsTest, NoSelectedLineDoesNothing) {
   Fixture f;
-  f.OpenBytes("VIDEO_TS.IFO", test::MakeVmgImage(), kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VIDEO_TS.IFO", test::MakeVmgImage());
   std::vector<std::string> overview = f.lines();
   ShowIfoDetails(*f.ctx);
   EXPECT_EQ(f.lines(), overview);
@@ -83,8 +80,7 @@ TEST(IfoDetailsTest, NoSelectedLineDoesNothing) {
 
 TEST(IfoDetailsTest, PrefixIsComparedCaseSensitively) {
   Fixture f;
-  f.OpenBytes("VIDEO_TS.IFO", test::MakeVmgImage(), kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VIDEO_TS.IFO", test::MakeVmgImage());
   std::size_t overview = f.lines().size();
   f.ctx->AddReportLine("vmgi_mat IFO File: lower case");
   f.ctx->report.Select(overview);
@@ -96,8 +92,7 @@ TEST(IfoDetailsTest, TableWithZeroHeaderValuesStillGetsItsDetails) {
   Fixture f;
   std::vector<std::uint8_t> image(2048, 0);
   for (std::size_t i = 0; i < 12; ++i) image[i] = static_cast<std::uint8_t>("DVDVIDEO-VTS"[i]);
-  f.OpenBytes("VTS_01_0.IFO", image, kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VTS_01_0.IFO", image);
   f.ctx->report.Select(0);
   ShowIfoDetails(*f.ctx);
   ASSERT_GT(f.lines().size(), 3u);
@@ -107,8 +102,7 @@ TEST(IfoDetailsTest, TableWithZeroHeaderValuesStillGetsItsDetails) {
 
 TEST(IfoDisassemblyTest, ChooserProposesTheIniBesideTheFileAndCancelWritesNothing) {
   Fixture f;
-  std::string path = f.OpenBytes("VIDEO_TS.IFO", test::MakeVmgImage(), kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  std::string path = test::OpenIfo(f, "VIDEO_TS.IFO", test::MakeVmgImage());
   DisassembleIfo(*f.ctx);
   std::vector<ChooserRequest> choosers = f.ui.Choosers();
   ASSERT_EQ(choosers.size(), 1u);
@@ -124,11 +118,8 @@ TEST(IfoDisassemblyTest, IfoWithEveryTableAbsentWritesOnlyTheInformationTable) {
   Fixture f;
   std::vector<std::uint8_t> image = test::MakeVmgImage();
   ByteWriter(image).put_be32(192, 0);
-  f.OpenBytes("VIDEO_TS.IFO", image, kFileIfo);
-  ShowIfoOverview(*f.ctx);
-  std::string source = f.dir.file("out.ini");
-  f.ui.chooser_answers.push_back(source);
-  DisassembleIfo(*f.ctx);
+  test::OpenIfo(f, "VIDEO_TS.IFO", image);
+  std::string source = test::DisassembleIfoTo(f, "out.ini");
   std::string text = test::ReadFileText(source);
   EXPECT_EQ(text.find('['), 0u);
   EXPECT_EQ(text.rfind('['), 0u);  // one section only
@@ -138,23 +129,17 @@ TEST(IfoDisassemblyTest, IfoWithEveryTableAbsentWritesOnlyTheInformationTable) {
 
 TEST(IfoDisassemblyTest, StartedWhileDetailsAreShownWritesNothing) {
   Fixture f;
-  f.OpenBytes("VIDEO_TS.IFO", test::MakeVmgImage(), kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VIDEO_TS.IFO", test::MakeVmgImage());
   f.ctx->report.Select(0);
   ShowIfoDetails(*f.ctx);
-  std::string source = f.dir.file("out.ini");
-  f.ui.chooser_answers.push_back(source);
-  DisassembleIfo(*f.ctx);
+  std::string source = test::DisassembleIfoTo(f, "out.ini");
   EXPECT_FALSE(File::Exists(source));
 }
 
 TEST(IfoDisassemblyTest, TitleSetDisassemblyFollowsTheHeadingLines) {
   Fixture f;
-  f.OpenBytes("VTS_01_0.IFO", test::MakeVtsImage(), kFileIfo);
-  ShowIfoOverview(*f.ctx);
-  std::string source = f.dir.file("VTS_01_0.INI");
-  f.ui.chooser_answers.push_back(source);
-  DisassembleIfo(*f.ctx);
+  test::OpenIfo(f, "VTS_01_0.IFO", test::MakeVtsImage());
+  std::string source = test::DisassembleIfoTo(f, "VTS_01_0.INI");
   EXPECT_TRUE(test::ReadFileText(source).starts_with("[vtsi_mat]\r\nvts_id=DVDVIDEO-VTS\r\n"));
 }
 
@@ -280,11 +265,8 @@ TEST(IfoBatchAssemblyTest, CreationFailureIsReportedAndTheWindowStaysOpen) {
 
 TEST(IfoBatchAssemblyTest, DisassembledIfoAssemblesBackToTheSameBytes) {
   Fixture f;
-  f.OpenBytes("VTS_02_0.IFO", test::MakeVtsImage(), kFileIfo);
-  ShowIfoOverview(*f.ctx);
-  std::string source = f.dir.file("VTS_02_0.INI");
-  f.ui.chooser_answers.push_back(source);
-  DisassembleIfo(*f.ctx);
+  test::OpenIfo(f, "VTS_02_0.IFO", test::MakeVtsImage());
+  std::string source = test::DisassembleIfoTo(f, "VTS_02_0.INI");
   f.ctx->batch.asm_path = source;
   f.ctx->batch.obj_path = f.dir.file("new/VTS_02_0.IFO");
   std::filesystem::create_directory(f.dir.file("new"));

@@ -7,6 +7,8 @@
 #include <filesystem>
 
 #include "convert/drivers.h"
+#include "ifo/ifo_drivers.h"
+#include "ifo/sample_disc.h"
 #include "support/test_support.h"
 
 namespace tarvex {
@@ -14,15 +16,11 @@ namespace {
 
 using test::Fixture;
 
-const std::string kSampleDir = std::string(TARVEX_SAMPLES_DIR) + "/disc/VIDEO_TS/";
-
-void Reassemble(const std::string& ifo, const std::string& out_dir, const test::TempDir& work) {
+// Disassembles the sample IFO and assembles it into out_dir/ifo.
+void Reassemble(const std::string& ifo, const std::string& out_dir) {
   Fixture f;
-  f.OpenBytes(ifo, test::ReadFileBytes(kSampleDir + ifo), kFileIfo);
-  ShowIfoOverview(*f.ctx);
-  std::string source = work.file(ifo + ".INI");
-  f.ui.chooser_answers.push_back(source);
-  DisassembleIfo(*f.ctx);
+  test::OpenSample(f, ifo);
+  std::string source = test::DisassembleIfoTo(f, ifo + ".INI");
   f.ctx->batch.asm_path = source;
   f.ctx->batch.obj_path = out_dir + "/" + ifo;
   AssembleBatch(*f.ctx);
@@ -31,16 +29,16 @@ void Reassemble(const std::string& ifo, const std::string& out_dir, const test::
 
 TEST(LsdvdInteropTest, ReassembledSampleDiscReadsLikeTheOriginal) {
   if (!test::HaveTool("lsdvd")) GTEST_SKIP() << "lsdvd missing";
-  if (!File::Exists(kSampleDir + "VTS_01_0.IFO")) GTEST_SKIP() << "sample disc not built";
+  if (!File::Exists(test::SampleDir() + "VTS_01_0.IFO")) GTEST_SKIP() << "sample disc not built";
   test::TempDir work;
   std::string disc = work.file("disc");
   std::string video_ts = disc + "/VIDEO_TS";
   std::filesystem::create_directories(video_ts);
   for (const char* vob : {"VIDEO_TS.VOB", "VTS_01_0.VOB", "VTS_01_1.VOB"}) {
-    std::filesystem::copy_file(kSampleDir + vob, video_ts + "/" + vob);
+    std::filesystem::copy_file(test::SampleDir() + vob, video_ts + "/" + vob);
   }
-  Reassemble("VIDEO_TS.IFO", video_ts, work);
-  Reassemble("VTS_01_0.IFO", video_ts, work);
+  Reassemble("VIDEO_TS.IFO", video_ts);
+  Reassemble("VTS_01_0.IFO", video_ts);
 
   std::string out = test::CaptureCommand("lsdvd -x " + test::ShellQuote(disc) + " 2>&1");
   EXPECT_EQ(out.find("Invalid IFO"), std::string::npos) << out;

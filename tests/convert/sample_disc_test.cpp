@@ -2,12 +2,14 @@
 // (the other tables' details are pinned beside their modules in tests/ifo), and the
 // disassembly/assembly round trip. Every expected value was read
 // by hand from the IFO bytes.
+#include "ifo/sample_disc.h"
+
 #include <gtest/gtest.h>
 
-#include <filesystem>
 #include <map>
 
 #include "convert/drivers.h"
+#include "ifo/ifo_drivers.h"
 #include "platform/bytes.h"
 #include "platform/format.h"
 #include "support/test_support.h"
@@ -15,29 +17,11 @@
 namespace tarvex {
 namespace {
 
+using test::Differences;
 using test::Fixture;
-
-const std::string kSampleDir = std::string(TARVEX_SAMPLES_DIR) + "/disc/VIDEO_TS/";
-
-bool SampleAvailable() {
-  return File::Exists(kSampleDir + "VIDEO_TS.IFO") && File::Exists(kSampleDir + "VTS_01_0.IFO");
-}
-
-void OpenSample(Fixture& f, const std::string& name) {
-  f.OpenBytes(name, test::ReadFileBytes(kSampleDir + name), kFileIfo);
-  ShowIfoOverview(*f.ctx);
-}
-
-void PressDetailsOn(Fixture& f, const std::string& prefix) {
-  for (std::size_t i = 0; i < f.lines().size(); ++i) {
-    if (f.lines()[i].starts_with(prefix)) {
-      f.ctx->report.Select(i);
-      ShowIfoDetails(*f.ctx);
-      return;
-    }
-  }
-  FAIL() << "no line begins with " << prefix;
-}
+using test::OpenSample;
+using test::PressDetailsOn;
+using test::SampleAvailable;
 
 TEST(IfoSampleDiscTest, VideoManagerOverview) {
   if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
@@ -194,44 +178,9 @@ TEST(IfoSampleDiscTest, TitleSetDetails) {
                        }));
 }
 
-// The bytes of two files that differ, by offset: {original, assembled}.
-std::map<std::size_t, std::pair<int, int>> Differences(const std::vector<std::uint8_t>& a,
-                                                       const std::vector<std::uint8_t>& b) {
-  std::map<std::size_t, std::pair<int, int>> out;
-  for (std::size_t i = 0; i < std::min(a.size(), b.size()); ++i) {
-    if (a[i] != b[i]) out[i] = {a[i], b[i]};
-  }
-  return out;
-}
-
-struct RoundTrip {
-  std::vector<std::uint8_t> original;
-  std::vector<std::uint8_t> assembled;
-  std::vector<std::string> messages;
-};
-
-// Disassembles the sample IFO and assembles the source next to copies of the sample's VOBs.
-RoundTrip RunRoundTrip(const std::string& ifo, const std::string& ini) {
-  Fixture f;
-  OpenSample(f, ifo);
-  std::string source = f.dir.file(ini);
-  f.ui.chooser_answers.push_back(source);
-  DisassembleIfo(*f.ctx);
-  std::string out_dir = f.dir.file("out");
-  std::filesystem::create_directory(out_dir);
-  for (const char* vob : {"VIDEO_TS.VOB", "VTS_01_0.VOB", "VTS_01_1.VOB"}) {
-    std::filesystem::copy_file(kSampleDir + vob, out_dir + "/" + vob);
-  }
-  f.ctx->batch.asm_path = source;
-  f.ctx->batch.obj_path = out_dir + "/" + ifo;
-  AssembleBatch(*f.ctx);
-  return {test::ReadFileBytes(kSampleDir + ifo), test::ReadFileBytes(out_dir + "/" + ifo),
-          f.ui.Messages()};
-}
-
 TEST(IfoSampleDiscTest, VideoManagerRoundTrip) {
   if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
-  RoundTrip rt = RunRoundTrip("VIDEO_TS.IFO", "VIDEO_TS.INI");
+  test::SampleRoundTrip rt = test::RunSampleRoundTrip("VIDEO_TS.IFO", "VIDEO_TS.INI");
   EXPECT_TRUE(rt.messages.empty());
   // Every table is written again in the same sectors (1 to 5 after VMGI_MAT), so the sizes,
   // start sectors and end addresses of the information table come out as they were.
@@ -251,7 +200,7 @@ TEST(IfoSampleDiscTest, VideoManagerRoundTrip) {
 
 TEST(IfoSampleDiscTest, TitleSetRoundTrip) {
   if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
-  RoundTrip rt = RunRoundTrip("VTS_01_0.IFO", "VTS_01_0.INI");
+  test::SampleRoundTrip rt = test::RunSampleRoundTrip("VTS_01_0.IFO", "VTS_01_0.INI");
   EXPECT_TRUE(rt.messages.empty());
   ASSERT_EQ(rt.original.size(), 9u * 2048);
   ASSERT_EQ(rt.assembled.size(), 9u * 2048);

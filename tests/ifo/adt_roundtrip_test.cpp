@@ -4,6 +4,7 @@
 
 #include "convert/drivers.h"
 #include "ifo/adt_test_tables.h"
+#include "ifo/ifo_drivers.h"
 #include "ifo/ifo_images.h"
 #include "ifo/vtsi_mat.h"
 #include "platform/bytes.h"
@@ -21,18 +22,6 @@ std::vector<std::string> DetailsOf(Fixture& f, TableId id) {
   return lines;
 }
 
-// Disassembles the open IFO to dir/NAME.INI and assembles it into dir/out/NAME.IFO.
-std::vector<std::uint8_t> RoundTrip(Fixture& f, const std::string& name) {
-  std::string source = f.dir.file(name + ".INI");
-  f.ui.chooser_answers.push_back(source);
-  DisassembleIfo(*f.ctx);
-  std::filesystem::create_directory(f.dir.file("out"));
-  f.ctx->batch.asm_path = source;
-  f.ctx->batch.obj_path = f.dir.file("out/" + name + ".IFO");
-  AssembleBatch(*f.ctx);
-  return test::ReadFileBytes(f.ctx->batch.obj_path);
-}
-
 TEST(AdtRoundTripTest, TitleSetAddressTablesComeBackUnchanged) {
   Fixture f;
   std::vector<std::uint8_t> image = test::WithTables(
@@ -41,14 +30,13 @@ TEST(AdtRoundTripTest, TitleSetAddressTablesComeBackUnchanged) {
        {kVtsmVobuAdmapSa, test::MakeVobuAdmap({0, 5, 10, 15})},
        {kVtsCAdtSa, test::MakeCAdt(3, {{1, 1, 0, 99}, {1, 2, 100, 199}, {2, 1, 200, 299}})},
        {kVtsVobuAdmapSa, test::MakeVobuAdmap({0, 50, 100, 150, 200, 250})}});
-  f.OpenBytes("VTS_01_0.IFO", image, kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VTS_01_0.IFO", image);
   const TableId ids[] = {TableId::kVtsmCAdt, TableId::kVtsmVobuAdmap, TableId::kVtsCAdt,
                          TableId::kVtsVobuAdmap};
   std::vector<std::vector<std::string>> before;
   for (TableId id : ids) before.push_back(DetailsOf(f, id));
 
-  std::vector<std::uint8_t> out = RoundTrip(f, "VTS_01_0");
+  std::vector<std::uint8_t> out = test::RoundTripThroughDrivers(f, "VTS_01_0.IFO");
   ASSERT_FALSE(out.empty());
   // VTSI_MAT, then one sector per table in file order: VTSM_C_ADT 1, VTSM_VOBU_ADMAP 2,
   // VTS_C_ADT 3, VTS_VOBU_ADMAP 4.
@@ -60,8 +48,7 @@ TEST(AdtRoundTripTest, TitleSetAddressTablesComeBackUnchanged) {
   EXPECT_EQ(out.size(), 5u * 2048u);
 
   Fixture g;
-  g.OpenBytes("VTS_01_0.IFO", out, kFileIfo);
-  ShowIfoOverview(*g.ctx);
+  test::OpenIfo(g, "VTS_01_0.IFO", out);
   for (std::size_t k = 0; k < std::size(ids); ++k) EXPECT_EQ(DetailsOf(g, ids[k]), before[k]);
 }
 
@@ -94,13 +81,12 @@ TEST(AdtRoundTripTest, VideoManagerKeepsItsAttributeAndAddressTablesButNotTheOth
                                               {212, txt},
                                               {216, test::MakeCAdt(1, {{1, 1, 0, 27}})},
                                               {220, test::MakeVobuAdmap({0, 10, 18})}});
-  f.OpenBytes("VIDEO_TS.IFO", image, kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VIDEO_TS.IFO", image);
   const TableId ids[] = {TableId::kVmgAtrt, TableId::kVmgmCAdt, TableId::kVmgmVobuAdmap};
   std::vector<std::vector<std::string>> before;
   for (TableId id : ids) before.push_back(DetailsOf(f, id));
 
-  std::vector<std::uint8_t> out = RoundTrip(f, "VIDEO_TS");
+  std::vector<std::uint8_t> out = test::RoundTripThroughDrivers(f, "VIDEO_TS.IFO");
   ASSERT_FALSE(out.empty());
   ByteView v(out);
   // VMGI_MAT (one sector), then VTS_ATRT 1, VMGM_C_ADT 2, VMGM_VOBU_ADMAP 3.
@@ -112,8 +98,7 @@ TEST(AdtRoundTripTest, VideoManagerKeepsItsAttributeAndAddressTablesButNotTheOth
   EXPECT_EQ(out.size(), 4u * 2048u);
 
   Fixture g;
-  g.OpenBytes("VIDEO_TS.IFO", out, kFileIfo);
-  ShowIfoOverview(*g.ctx);
+  test::OpenIfo(g, "VIDEO_TS.IFO", out);
   for (std::size_t k = 0; k < std::size(ids); ++k) EXPECT_EQ(DetailsOf(g, ids[k]), before[k]);
 }
 

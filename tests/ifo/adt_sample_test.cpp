@@ -3,47 +3,21 @@
 #include <gtest/gtest.h>
 
 #include "convert/drivers.h"
-#include "platform/file_io.h"
+#include "ifo/ifo_drivers.h"
+#include "ifo/sample_disc.h"
 #include "support/test_support.h"
 
 namespace tarvex {
 namespace {
 
 using test::Fixture;
-
-const std::string kSampleDir = std::string(TARVEX_SAMPLES_DIR) + "/disc/VIDEO_TS/";
-
-bool SampleAvailable() {
-  return File::Exists(kSampleDir + "VIDEO_TS.IFO") && File::Exists(kSampleDir + "VTS_01_0.IFO");
-}
-
-void OpenSample(Fixture& f, const std::string& name) {
-  f.OpenBytes(name, test::ReadFileBytes(kSampleDir + name), kFileIfo);
-  ShowIfoOverview(*f.ctx);
-}
-
-void PressDetailsOn(Fixture& f, const std::string& prefix) {
-  for (std::size_t i = 0; i < f.lines().size(); ++i) {
-    if (f.lines()[i].starts_with(prefix)) {
-      f.ctx->report.Select(i);
-      ShowIfoDetails(*f.ctx);
-      return;
-    }
-  }
-  FAIL() << "no line begins with " << prefix;
-}
-
-bool HasLine(const Fixture& f, const std::string& line) {
-  for (const std::string& l : f.lines()) {
-    if (l == line) return true;
-  }
-  return false;
-}
+using test::HasLine;
+using test::OpenSample;
+using test::PressDetailsOn;
+using test::SampleAvailable;
 
 std::string Disassembled(Fixture& f) {
-  f.ui.chooser_answers.push_back(f.dir.file("SAMPLE.INI"));
-  DisassembleIfo(*f.ctx);
-  return test::ReadFileText(f.dir.file("SAMPLE.INI"));
+  return test::ReadFileText(test::DisassembleIfoTo(f, "SAMPLE.INI"));
 }
 
 TEST(AdtSampleTest, VideoManagerOverviewLines) {

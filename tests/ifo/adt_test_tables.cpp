@@ -1,9 +1,6 @@
 #include "ifo/adt_test_tables.h"
 
-#include "ifo/ifo_images.h"
 #include "platform/bytes.h"
-#include "platform/file_io.h"
-#include "support/test_support.h"
 
 namespace tarvex::test {
 
@@ -33,31 +30,6 @@ std::vector<std::uint8_t> MakeVobuAdmap(const std::vector<std::uint32_t>& sector
                           : static_cast<std::uint32_t>(4 * sectors.size() + 3));
   for (std::uint32_t s : sectors) a.be32(s);
   return table;
-}
-
-std::vector<std::uint8_t> WithTables(
-    std::vector<std::uint8_t> image,
-    const std::vector<std::pair<std::size_t, std::vector<std::uint8_t>>>& tables) {
-  for (const auto& [offset, table] : tables) {
-    std::uint32_t sector = AppendTable(image, table);
-    ByteWriter(image).put_be32(offset, sector);
-  }
-  return image;
-}
-
-std::vector<std::uint8_t> AssembleTable(AppContext& ctx, const std::string& dir, TableId id,
-                                        const std::string& source, TableSize* size) {
-  ctx.convert.source_path = dir + "/SOURCE.INI";
-  WriteText(ctx.convert.source_path, source);
-  LoadTableSource(ctx, id);
-  TableSize measured = MeasureTable(ctx, id);
-  if (size) *size = measured;
-  std::string out_path = dir + "/TABLE.BIN";
-  {
-    File out = File::Create(out_path);
-    EmitTable(ctx, id, out);
-  }
-  return ReadFileBytes(out_path);
 }
 
 }  // namespace tarvex::test

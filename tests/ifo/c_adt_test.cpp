@@ -7,6 +7,7 @@
 
 #include "convert/drivers.h"
 #include "ifo/adt_test_tables.h"
+#include "ifo/ifo_drivers.h"
 #include "ifo/ifo_images.h"
 #include "ifo/vtsi_mat.h"
 #include "platform/bytes.h"
@@ -17,6 +18,7 @@ namespace {
 
 using test::CellEntry;
 using test::Fixture;
+using test::HasLine;
 
 // 2 VOBs and 5 cells: end address 8 + 60 - 1 = 67.
 const std::vector<CellEntry> kFiveCells = {
@@ -24,21 +26,12 @@ const std::vector<CellEntry> kFiveCells = {
 
 void OpenTitleSetWith(Fixture& f, std::vector<std::uint8_t> c_adt,
                       std::size_t offset = kVtsCAdtSa) {
-  f.OpenBytes("VTS_01_0.IFO", test::WithTables(test::MakeVtsImage(), {{offset, c_adt}}), kFileIfo);
-  ShowIfoOverview(*f.ctx);
-}
-
-bool HasLine(const Fixture& f, const std::string& line) {
-  for (const std::string& l : f.lines()) {
-    if (l == line) return true;
-  }
-  return false;
+  test::OpenIfo(f, "VTS_01_0.IFO", test::WithTables(test::MakeVtsImage(), {{offset, c_adt}}));
 }
 
 TEST(AdtOpenTest, AbsentTitleSetTablesEndTheirLinesWithAFullStop) {
   Fixture f;
-  f.OpenBytes("VTS_01_0.IFO", test::MakeVtsImage(), kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VTS_01_0.IFO", test::MakeVtsImage());
   EXPECT_TRUE(
       HasLine(f, "** VTSM_C_ADT IFO File: There is no Video Title Set Menu Cell Address Table."));
   EXPECT_TRUE(HasLine(f, "** VTS_C_ADT IFO File: There is no Video Title Set Cell Address Table."));
@@ -46,16 +39,14 @@ TEST(AdtOpenTest, AbsentTitleSetTablesEndTheirLinesWithAFullStop) {
 
 TEST(AdtOpenTest, AbsentVideoManagerTableEndsItsLineWithAFullStop) {
   Fixture f;
-  f.OpenBytes("VIDEO_TS.IFO", test::MakeVmgImage(), kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VIDEO_TS.IFO", test::MakeVmgImage());
   EXPECT_TRUE(
       HasLine(f, "** VMGM_C_ADT IFO File: There is no VMGM Cell Address Table information."));
 }
 
 TEST(AdtOpenTest, AbsentTableGivesExactlyOneLine) {
   Fixture f;
-  f.OpenBytes("VTS_01_0.IFO", test::MakeVtsImage(), kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VTS_01_0.IFO", test::MakeVtsImage());
   f.ctx->ClearReportList();
   EXPECT_EQ(OpenTable(*f.ctx, TableId::kVtsCAdt, f.ctx->open.file_handle), 0u);
   EXPECT_EQ(f.lines(), (std::vector<std::string>{
@@ -66,17 +57,15 @@ TEST(AdtOpenTest, AbsentTableGivesExactlyOneLine) {
 TEST(AdtOpenTest, HeadingLinesOfTheThreeVariants) {
   Fixture f;
   std::vector<std::uint8_t> table = test::MakeCAdt(2, kFiveCells);
-  f.OpenBytes("VTS_01_0.IFO",
-              test::WithTables(test::MakeVtsImage(), {{kVtsmCAdtSa, table}, {kVtsCAdtSa, table}}),
-              kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(
+      f, "VTS_01_0.IFO",
+      test::WithTables(test::MakeVtsImage(), {{kVtsmCAdtSa, table}, {kVtsCAdtSa, table}}));
   EXPECT_TRUE(HasLine(f, "VTSM_C_ADT IFO File: Video Title Set Menu Cell Address Table"));
   EXPECT_TRUE(HasLine(f, "VTS_C_ADT IFO File: Video Title Set Cell Address Table"));
 
   Fixture g;
   std::vector<std::uint8_t> vmg = test::WithTables(test::MakeVmgImage(), {{216, table}});
-  g.OpenBytes("VIDEO_TS.IFO", vmg, kFileIfo);
-  ShowIfoOverview(*g.ctx);
+  test::OpenIfo(g, "VIDEO_TS.IFO", vmg);
   EXPECT_TRUE(HasLine(g, "VMGM_C_ADT IFO File: VMGM Cell Address Table information"));
 }
 
@@ -117,10 +106,8 @@ TEST(AdtReportTest, TitleSetMenuTableCountLineHasAColon) {
 
 TEST(AdtReportTest, VideoManagerCountLineHasNoColon) {
   Fixture f;
-  f.OpenBytes("VIDEO_TS.IFO",
-              test::WithTables(test::MakeVmgImage(), {{216, test::MakeCAdt(2, kFiveCells)}}),
-              kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VIDEO_TS.IFO",
+                test::WithTables(test::MakeVmgImage(), {{216, test::MakeCAdt(2, kFiveCells)}}));
   ReportTable(*f.ctx, TableId::kVmgmCAdt);
   EXPECT_EQ(f.lines(), FiveCellLines("Number of VOBs in VMGM_VOBS 2", "VMGM_C_ADT"));
 }
@@ -201,27 +188,15 @@ TEST(AdtReportTest, ReportReadsTheCellsAfreshFromTheFile) {
   ReportTable(*f.ctx, TableId::kVtsCAdt);
   EXPECT_EQ(f.lines(), first);
   // Change cell 1's last sector in the file (table at sector 1: byte 2048 + 8 + 8).
-  {
-    File rw = File::OpenReadWrite(f.ctx->open.file_path);
-    rw.Seek(2048 + 16);
-    const std::uint8_t bytes[4] = {0, 0, 0, 42};
-    rw.Write(bytes, 4);
-  }
+  test::OverwriteOpenFile(f, 2048 + 16, {0, 0, 0, 42});
   ReportTable(*f.ctx, TableId::kVtsCAdt);
   EXPECT_EQ(f.lines()[3], "Start sector address is 0 and end sector addres is 42.");
-}
-
-std::string Disassemble(Fixture& f, TableId id) {
-  f.ctx->convert.source_path = f.dir.file("OUT.INI");
-  DisassembleTable(*f.ctx, id);
-  f.ctx->profiles.Flush();
-  return test::ReadFileText(f.ctx->convert.source_path);
 }
 
 TEST(AdtDisassembleTest, TwoVobsAndFiveCellsWriteOnlyTwoCells) {
   Fixture f;
   OpenTitleSetWith(f, test::MakeCAdt(2, kFiveCells));
-  EXPECT_EQ(Disassemble(f, TableId::kVtsCAdt),
+  EXPECT_EQ(test::DisassembleTables(f, {TableId::kVtsCAdt}),
             "[vts_c_adt]\r\nvts_vob_ns=2\r\nvts_c_adt_ea=67\r\n"
             "c_001_vob001_vts_vob_idn=1\r\nc_001_vob001_vts_c_idn=1\r\n"
             "c_001_vob001_vts_cp_sa=0\r\nc_001_vob001_vts_cp_ea=99\r\n"
@@ -232,7 +207,7 @@ TEST(AdtDisassembleTest, TwoVobsAndFiveCellsWriteOnlyTwoCells) {
 TEST(AdtDisassembleTest, KeysAreBuiltFromTheCellsOwnNumbers) {
   Fixture f;
   OpenTitleSetWith(f, test::MakeCAdt(1, {{7, 12, 1000, 2000}}), kVtsmCAdtSa);
-  EXPECT_EQ(Disassemble(f, TableId::kVtsmCAdt),
+  EXPECT_EQ(test::DisassembleTables(f, {TableId::kVtsmCAdt}),
             "[vtsm_c_adt]\r\nvtsm_vob_ns=1\r\nvtsm_c_adt_ea=19\r\n"
             "c_012_vob007_vts_vob_idn=7\r\nc_012_vob007_vts_c_idn=12\r\n"
             "c_012_vob007_vts_cp_sa=1000\r\nc_012_vob007_vts_cp_ea=2000\r\n");
@@ -240,11 +215,9 @@ TEST(AdtDisassembleTest, KeysAreBuiltFromTheCellsOwnNumbers) {
 
 TEST(AdtDisassembleTest, VideoManagerTableUsesItsOwnSectionAndKeys) {
   Fixture f;
-  f.OpenBytes("VIDEO_TS.IFO",
-              test::WithTables(test::MakeVmgImage(), {{216, test::MakeCAdt(1, {{1, 1, 0, 5}})}}),
-              kFileIfo);
-  ShowIfoOverview(*f.ctx);
-  EXPECT_EQ(Disassemble(f, TableId::kVmgmCAdt),
+  test::OpenIfo(f, "VIDEO_TS.IFO",
+                test::WithTables(test::MakeVmgImage(), {{216, test::MakeCAdt(1, {{1, 1, 0, 5}})}}));
+  EXPECT_EQ(test::DisassembleTables(f, {TableId::kVmgmCAdt}),
             "[vmgm_c_adt]\r\nvmgm_vob_ns=1\r\nvmgm_c_adt_ea=19\r\n"
             "c_001_vob001_vts_vob_idn=1\r\nc_001_vob001_vts_c_idn=1\r\n"
             "c_001_vob001_vts_cp_sa=0\r\nc_001_vob001_vts_cp_ea=5\r\n");
@@ -253,13 +226,14 @@ TEST(AdtDisassembleTest, VideoManagerTableUsesItsOwnSectionAndKeys) {
 TEST(AdtDisassembleTest, HeaderValuesOfZeroStillWriteTheHeaderKeys) {
   Fixture f;
   OpenTitleSetWith(f, test::MakeCAdt(0, {}, 0));
-  EXPECT_EQ(Disassemble(f, TableId::kVtsCAdt), "[vts_c_adt]\r\nvts_vob_ns=0\r\nvts_c_adt_ea=0\r\n");
+  EXPECT_EQ(test::DisassembleTables(f, {TableId::kVtsCAdt}),
+            "[vts_c_adt]\r\nvts_vob_ns=0\r\nvts_c_adt_ea=0\r\n");
 }
 
 TEST(AdtDisassembleTest, MoreVobsThanCellsWritesTheCellsThereAre) {
   Fixture f;
   OpenTitleSetWith(f, test::MakeCAdt(3, {{1, 1, 0, 5}}));
-  std::string text = Disassemble(f, TableId::kVtsCAdt);
+  std::string text = test::DisassembleTables(f, {TableId::kVtsCAdt});
   EXPECT_NE(text.find("c_001_vob001_vts_cp_ea=5\r\n"), std::string::npos);
   EXPECT_EQ(text.find("c_000"), std::string::npos);
 }
@@ -276,8 +250,7 @@ const char* const kTwoVobSource =
 TEST(AdtAssembleTest, LoadedCellsAreWrittenBigEndianAndPadded) {
   Fixture f;
   TableSize size;
-  std::vector<std::uint8_t> bytes =
-      test::AssembleTable(*f.ctx, f.dir.path(), TableId::kVtsCAdt, kTwoVobSource, &size);
+  std::vector<std::uint8_t> bytes = test::AssembleTable(f, TableId::kVtsCAdt, kTwoVobSource, &size);
   // 3 cells: 8 + 36 = 44 bytes, end address 43, one sector.
   EXPECT_EQ(size.bytes, 44u);
   EXPECT_EQ(size.sectors, 1u);
@@ -296,7 +269,7 @@ TEST(AdtAssembleTest, LoadedCellsAreWrittenBigEndianAndPadded) {
 
 TEST(AdtAssembleTest, EmitFreesTheCellsSoASecondEmitWritesNothing) {
   Fixture f;
-  test::AssembleTable(*f.ctx, f.dir.path(), TableId::kVtsCAdt, kTwoVobSource);
+  test::AssembleTable(f, TableId::kVtsCAdt, kTwoVobSource);
   EXPECT_EQ(MeasureTable(*f.ctx, TableId::kVtsCAdt).bytes, 0u);
 }
 
@@ -313,8 +286,7 @@ TEST(AdtAssembleTest, CellNumbersWithAGapLoadUpToTheGapThenTheNextVob) {
       "c_004_vob001_vts_cp_sa=4\nc_004_vob001_vts_cp_ea=4\n"
       "c_001_vob002_vts_vob_idn=2\nc_001_vob002_vts_c_idn=1\n"
       "c_001_vob002_vts_cp_sa=5\nc_001_vob002_vts_cp_ea=5\n";
-  std::vector<std::uint8_t> bytes =
-      test::AssembleTable(*f.ctx, f.dir.path(), TableId::kVtsmCAdt, source);
+  std::vector<std::uint8_t> bytes = test::AssembleTable(f, TableId::kVtsmCAdt, source);
   ByteView v(bytes);
   EXPECT_EQ(v.be32(4), 8u + 36u - 1u);  // 3 cells
   EXPECT_EQ(v.u8(8 + 2), 1u);
@@ -329,8 +301,7 @@ TEST(AdtAssembleTest, MissingCountKeyLoadsNothingWithoutAMessage) {
   std::string source = std::string(kTwoVobSource).replace(0, 25, "[vts_c_adt]\n");
   ASSERT_EQ(source.find("vts_vob_ns"), std::string::npos);
   TableSize size{1, 1};
-  std::vector<std::uint8_t> bytes =
-      test::AssembleTable(*f.ctx, f.dir.path(), TableId::kVtsCAdt, source, &size);
+  std::vector<std::uint8_t> bytes = test::AssembleTable(f, TableId::kVtsCAdt, source, &size);
   EXPECT_EQ(size.sectors, 0u);
   EXPECT_EQ(size.bytes, 0u);
   EXPECT_TRUE(bytes.empty());
@@ -340,8 +311,8 @@ TEST(AdtAssembleTest, MissingCountKeyLoadsNothingWithoutAMessage) {
 TEST(AdtAssembleTest, CountWithoutAnyCellIsNothingLoaded) {
   Fixture f;
   TableSize size{1, 1};
-  std::vector<std::uint8_t> bytes = test::AssembleTable(*f.ctx, f.dir.path(), TableId::kVtsCAdt,
-                                                        "[vts_c_adt]\nvts_vob_ns=2\n", &size);
+  std::vector<std::uint8_t> bytes =
+      test::AssembleTable(f, TableId::kVtsCAdt, "[vts_c_adt]\nvts_vob_ns=2\n", &size);
   EXPECT_EQ(size.sectors, 0u);
   EXPECT_EQ(size.bytes, 0u);
   EXPECT_TRUE(bytes.empty());
@@ -359,8 +330,7 @@ TEST(AdtAssembleTest, MissingCellFieldIsReportedAndTheNextVobIsTaken) {
       "c_002_vob001_vts_cp_sa=2\nc_002_vob001_vts_cp_ea=2\n"
       "c_001_vob002_vts_vob_idn=2\nc_001_vob002_vts_c_idn=1\n"
       "c_001_vob002_vts_cp_sa=5\nc_001_vob002_vts_cp_ea=5\n";
-  std::vector<std::uint8_t> bytes =
-      test::AssembleTable(*f.ctx, f.dir.path(), TableId::kVmgmCAdt, source);
+  std::vector<std::uint8_t> bytes = test::AssembleTable(f, TableId::kVmgmCAdt, source);
   EXPECT_EQ(f.ui.Messages(),
             (std::vector<std::string>{"Statement missing in vtsm_c_adt: c_001_vob001_vts_cp_sa"}));
   ByteView v(bytes);
@@ -384,7 +354,7 @@ TEST(AdtAssembleTest, NoCellOneOfAVobEndsTheWalk) {
       "c_001_vob003_vts_vob_idn=3\nc_001_vob003_vts_c_idn=1\n"
       "c_001_vob003_vts_cp_sa=0\nc_001_vob003_vts_cp_ea=0\n";
   TableSize size;
-  test::AssembleTable(*f.ctx, f.dir.path(), TableId::kVtsCAdt, source, &size);
+  test::AssembleTable(f, TableId::kVtsCAdt, source, &size);
   EXPECT_EQ(size.bytes, 20u);  // one cell
 }
 
@@ -393,24 +363,18 @@ TEST(AdtAssembleTest, TheHeaderCountComesFromItsOwnKey) {
   // 70000 is truncated to 16 bits: 70000 - 65536 = 4464 = 0x1170.
   std::string source = std::string(kTwoVobSource);
   source.replace(source.find("vts_vob_ns=2"), 12, "vts_vob_ns=70000");
-  std::vector<std::uint8_t> bytes =
-      test::AssembleTable(*f.ctx, f.dir.path(), TableId::kVtsCAdt, source);
+  std::vector<std::uint8_t> bytes = test::AssembleTable(f, TableId::kVtsCAdt, source);
   EXPECT_EQ(ByteView(bytes).be16(0), 4464u);
 }
 
 TEST(AdtAssembleTest, ASourceWithoutTheSectionLeavesTheTableOutOfATitleSet) {
   Fixture f;
-  f.ctx->convert.source_path = f.dir.file("VTS_01_0.INI");
-  test::WriteText(
-      f.ctx->convert.source_path,
-      "[vtsi_mat]\nvts_id=DVDVIDEO-VTS\nvern=1.1\nvts_cat=00000000\n" + std::string(kTwoVobSource));
+  test::UseSource(
+      f,
+      "[vtsi_mat]\nvts_id=DVDVIDEO-VTS\nvern=1.1\nvts_cat=00000000\n" + std::string(kTwoVobSource),
+      "VTS_01_0.INI");
   for (TableId id : {TableId::kVtsCAdt, TableId::kVtsmCAdt}) LoadTableSource(*f.ctx, id);
-  std::string out_path = f.dir.file("VTS_01_0.IFO");
-  {
-    File out = File::Create(out_path);
-    AssembleTitleSet(*f.ctx, out, out_path);
-  }
-  std::vector<std::uint8_t> bytes = test::ReadFileBytes(out_path);
+  std::vector<std::uint8_t> bytes = test::AssembleTitleSetInto(f, "VTS_01_0.IFO");
   ByteView v(bytes);
   EXPECT_EQ(v.be32(kVtsmCAdtSa), 0u);  // no vtsm_c_adt section
   EXPECT_EQ(v.be32(kVtsCAdtSa), 1u);   // right after VTSI_MAT

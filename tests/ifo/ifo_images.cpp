@@ -125,6 +125,23 @@ void PlaceTable(std::vector<std::uint8_t>& image, std::size_t start_field, std::
   std::copy(table.begin(), table.end(), image.begin() + static_cast<std::ptrdiff_t>(at));
 }
 
+std::vector<std::uint8_t> WithTableAt(std::vector<std::uint8_t> image, std::size_t start_field,
+                                      std::uint32_t sector,
+                                      const std::vector<std::uint8_t>& table) {
+  PlaceTable(image, start_field, sector, table);
+  return image;
+}
+
+std::vector<std::uint8_t> WithTables(
+    std::vector<std::uint8_t> image,
+    const std::vector<std::pair<std::size_t, std::vector<std::uint8_t>>>& tables) {
+  for (const auto& [offset, table] : tables) {
+    std::uint32_t sector = AppendTable(image, table);
+    ByteWriter(image).put_be32(offset, sector);
+  }
+  return image;
+}
+
 void WriteText(const std::string& path, const std::string& text) {
   std::ofstream out(path, std::ios::binary | std::ios::trunc);
   out << text;

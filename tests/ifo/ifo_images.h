@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace tarvex::test {
@@ -27,6 +28,16 @@ std::uint32_t AppendTable(std::vector<std::uint8_t>& image, const std::vector<st
 // the sector, big-endian, in the start-sector field at start_field of sector 0.
 void PlaceTable(std::vector<std::uint8_t>& image, std::size_t start_field, std::uint32_t sector,
                 const std::vector<std::uint8_t>& table);
+
+// PlaceTable on a copy of image, returned.
+std::vector<std::uint8_t> WithTableAt(std::vector<std::uint8_t> image, std::size_t start_field,
+                                      std::uint32_t sector, const std::vector<std::uint8_t>& table);
+
+// An information table image (MakeVtsImage or MakeVmgImage) with each table appended in turn
+// (AppendTable) and its start sector stored big-endian at the given offset of the image.
+std::vector<std::uint8_t> WithTables(
+    std::vector<std::uint8_t> image,
+    const std::vector<std::pair<std::size_t, std::vector<std::uint8_t>>>& tables);
 
 // Writes text to path (an IfoSource), LF line ends.
 void WriteText(const std::string& path, const std::string& text);

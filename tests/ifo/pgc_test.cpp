@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "ifo/ifo_drivers.h"
 #include "ifo/ifo_images.h"
 #include "ifo/source.h"
 #include "platform/format.h"
@@ -195,8 +196,7 @@ TEST(PgcAssembleTest, DisassembledChainAssemblesBackToTheSameBytes) {
 
 // Writes a [s] section with the given key lines (prefix p_) and makes it the source.
 void WriteChain(Fixture& f, const std::string& keys) {
-  f.ctx->convert.source_path = f.dir.file("VTS_01_0.INI");
-  test::WriteText(f.ctx->convert.source_path, "[s]\n" + keys);
+  test::UseSource(f, "[s]\n" + keys, "VTS_01_0.INI");
 }
 
 const std::string kMinimalHeader =

@@ -2,10 +2,9 @@
 // by hand from the IFO bytes (offsets in the comments are file offsets).
 #include <gtest/gtest.h>
 
-#include <algorithm>
-#include <filesystem>
-
 #include "convert/drivers.h"
+#include "ifo/ifo_drivers.h"
+#include "ifo/sample_disc.h"
 #include "platform/bytes.h"
 #include "support/test_support.h"
 
@@ -13,28 +12,11 @@ namespace tarvex {
 namespace {
 
 using test::Fixture;
-
-const std::string kSampleDir = std::string(TARVEX_SAMPLES_DIR) + "/disc/VIDEO_TS/";
-
-bool SampleAvailable() {
-  return File::Exists(kSampleDir + "VIDEO_TS.IFO") && File::Exists(kSampleDir + "VTS_01_0.IFO");
-}
-
-void OpenSample(Fixture& f, const std::string& name) {
-  f.OpenBytes(name, test::ReadFileBytes(kSampleDir + name), kFileIfo);
-  ShowIfoOverview(*f.ctx);
-}
-
-void PressDetailsOn(Fixture& f, const std::string& prefix) {
-  for (std::size_t i = 0; i < f.lines().size(); ++i) {
-    if (f.lines()[i].starts_with(prefix)) {
-      f.ctx->report.Select(i);
-      ShowIfoDetails(*f.ctx);
-      return;
-    }
-  }
-  FAIL() << "no line begins with " << prefix;
-}
+using test::HasLine;
+using test::OpenSample;
+using test::PressDetailsOn;
+using test::SampleAvailable;
+using test::TableSector;
 
 std::vector<std::string> Lines(const Fixture& f, std::size_t from, std::size_t count) {
   std::vector<std::string> out;
@@ -50,12 +32,9 @@ TEST(PgciSampleTest, TitleSetOverviewHeadings) {
   OpenSample(f, "VTS_01_0.IFO");
   // vts_pgcit_sa (0xCC) = 2, vtsm_pgci_ut_sa (0xD0) = 3; the unit table's one unit has
   // lu_sa 16 (0x180C), so the language units are there.
-  auto has = [&](const std::string& line) {
-    return std::find(f.lines().begin(), f.lines().end(), line) != f.lines().end();
-  };
-  EXPECT_TRUE(has("VTS_PGCITI IFO File: Video title set Program Chain Information Table"));
-  EXPECT_TRUE(has("VTSM_PGCI_UT File: Video Title Set Menu PGCI Unit Table"));
-  EXPECT_TRUE(has("VTSM_LUI IFO File: Video Title Set Menu Language Unit Table"));
+  EXPECT_TRUE(HasLine(f, "VTS_PGCITI IFO File: Video title set Program Chain Information Table"));
+  EXPECT_TRUE(HasLine(f, "VTSM_PGCI_UT File: Video Title Set Menu PGCI Unit Table"));
+  EXPECT_TRUE(HasLine(f, "VTSM_LUI IFO File: Video Title Set Menu Language Unit Table"));
 }
 
 TEST(PgciSampleTest, TitleSetPgciTableDetails) {
@@ -191,11 +170,8 @@ TEST(PgciSampleTest, VideoManagerOverviewHeadings) {
   Fixture f;
   OpenSample(f, "VIDEO_TS.IFO");
   // vmgm_pgci_ut_sa (byte 200) = 2; its one unit has lu_sa 16 (0x100C).
-  auto has = [&](const std::string& line) {
-    return std::find(f.lines().begin(), f.lines().end(), line) != f.lines().end();
-  };
-  EXPECT_TRUE(has("VMGM_PGCI_UT File: Video Manager Menu PGCI Unit Table"));
-  EXPECT_TRUE(has("VMGM_LUI IFO File: Video Manager Menu Language Unit Table"));
+  EXPECT_TRUE(HasLine(f, "VMGM_PGCI_UT File: Video Manager Menu PGCI Unit Table"));
+  EXPECT_TRUE(HasLine(f, "VMGM_LUI IFO File: Video Manager Menu Language Unit Table"));
 }
 
 TEST(PgciSampleTest, VideoManagerMenuDetails) {
@@ -235,49 +211,9 @@ TEST(PgciSampleTest, VideoManagerMenuDetails) {
   EXPECT_EQ(f.lines().size(), 93u);
 }
 
-}  // namespace
-}  // namespace tarvex
-
-namespace tarvex {
-namespace {
-
-// Disassembles a sample IFO and assembles the source beside copies of the sample's VOBs;
-// returns the original and the assembled bytes and the messages.
-struct RoundTrip {
-  std::vector<std::uint8_t> original;
-  std::vector<std::uint8_t> assembled;
-  std::vector<std::string> messages;
-};
-
-RoundTrip RunRoundTrip(const std::string& ifo, const std::string& ini) {
-  Fixture f;
-  OpenSample(f, ifo);
-  std::string source = f.dir.file(ini);
-  f.ui.chooser_answers.push_back(source);
-  DisassembleIfo(*f.ctx);
-  std::string out_dir = f.dir.file("out");
-  std::filesystem::create_directory(out_dir);
-  for (const char* vob : {"VIDEO_TS.VOB", "VTS_01_0.VOB", "VTS_01_1.VOB"}) {
-    std::filesystem::copy_file(kSampleDir + vob, out_dir + "/" + vob);
-  }
-  f.ctx->batch.asm_path = source;
-  f.ctx->batch.obj_path = out_dir + "/" + ifo;
-  AssembleBatch(*f.ctx);
-  return {test::ReadFileBytes(kSampleDir + ifo), test::ReadFileBytes(out_dir + "/" + ifo),
-          f.ui.Messages()};
-}
-
-// The sector at the start sector held at field of sector 0.
-std::vector<std::uint8_t> TableSector(const std::vector<std::uint8_t>& ifo, std::size_t field) {
-  std::size_t at = std::size_t{ByteView(ifo).be32(field)} * 2048;
-  if (at == 0 || at + 2048 > ifo.size()) return {};
-  return {ifo.begin() + static_cast<std::ptrdiff_t>(at),
-          ifo.begin() + static_cast<std::ptrdiff_t>(at + 2048)};
-}
-
 TEST(PgciSampleTest, VideoManagerMenuUnitTableComesBackByteForByte) {
   if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
-  RoundTrip rt = RunRoundTrip("VIDEO_TS.IFO", "VIDEO_TS.INI");
+  test::SampleRoundTrip rt = test::RunSampleRoundTrip("VIDEO_TS.IFO", "VIDEO_TS.INI");
   EXPECT_TRUE(rt.messages.empty());
   std::vector<std::uint8_t> original = TableSector(rt.original, 200);  // vmgm_pgci_ut_sa
   ASSERT_EQ(original.size(), 2048u);
@@ -290,7 +226,7 @@ TEST(PgciSampleTest, VideoManagerMenuUnitTableComesBackByteForByte) {
 
 TEST(PgciSampleTest, TitleSetChainTablesComeBackByteForByte) {
   if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
-  RoundTrip rt = RunRoundTrip("VTS_01_0.IFO", "VTS_01_0.INI");
+  test::SampleRoundTrip rt = test::RunSampleRoundTrip("VTS_01_0.IFO", "VTS_01_0.INI");
   EXPECT_TRUE(rt.messages.empty());
   std::vector<std::uint8_t> pgcit = TableSector(rt.original, 0xCC);  // vts_pgcit_sa
   ASSERT_EQ(pgcit.size(), 2048u);

@@ -7,9 +7,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
 
 #include "convert/drivers.h"
+#include "ifo/ifo_drivers.h"
 #include "ifo/ifo_images.h"
 #include "ifo/source.h"
 #include "ifo/vtsi_mat.h"
@@ -21,6 +21,8 @@ namespace tarvex {
 namespace {
 
 using test::Fixture;
+using test::HasLine;
+using test::PressDetailsOn;
 
 constexpr std::size_t kVmgmPgciUtSa = 200;
 
@@ -71,67 +73,23 @@ std::vector<std::uint8_t> OneUnitTable() {
 }
 
 std::vector<std::uint8_t> VtsWith(const std::vector<std::uint8_t>& table) {
-  std::vector<std::uint8_t> image = test::MakeVtsImage();
-  test::PlaceTable(image, kVtsmPgciUtSa, 1, table);
-  return image;
+  return test::WithTableAt(test::MakeVtsImage(), kVtsmPgciUtSa, 1, table);
 }
 
 std::vector<std::uint8_t> VmgWith(const std::vector<std::uint8_t>& table) {
-  std::vector<std::uint8_t> image = test::MakeVmgImage();
-  test::PlaceTable(image, kVmgmPgciUtSa, 1, table);
-  return image;
+  return test::WithTableAt(test::MakeVmgImage(), kVmgmPgciUtSa, 1, table);
 }
 
 void OpenVts(Fixture& f, const std::vector<std::uint8_t>& image) {
-  f.OpenBytes("VTS_01_0.IFO", image, kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VTS_01_0.IFO", image);
 }
 
 void OpenVmg(Fixture& f, const std::vector<std::uint8_t>& image) {
-  f.OpenBytes("VIDEO_TS.IFO", image, kFileIfo);
-  ShowIfoOverview(*f.ctx);
-}
-
-bool HasLine(const Fixture& f, const std::string& line) {
-  return std::find(f.lines().begin(), f.lines().end(), line) != f.lines().end();
+  test::OpenIfo(f, "VIDEO_TS.IFO", image);
 }
 
 std::size_t CountLines(const Fixture& f, const std::string& line) {
   return static_cast<std::size_t>(std::count(f.lines().begin(), f.lines().end(), line));
-}
-
-void PressDetailsOn(Fixture& f, const std::string& prefix) {
-  for (std::size_t i = 0; i < f.lines().size(); ++i) {
-    if (f.lines()[i].starts_with(prefix)) {
-      f.ctx->report.Select(i);
-      ShowIfoDetails(*f.ctx);
-      return;
-    }
-  }
-  FAIL() << "no line begins with " << prefix;
-}
-
-std::string Disassembled(Fixture& f, std::initializer_list<TableId> ids) {
-  f.ctx->convert.source_path = f.dir.file("VTS_01_0.INI");
-  for (TableId id : ids) DisassembleTable(*f.ctx, id);
-  f.ctx->profiles.Flush();
-  return test::ReadFileText(f.ctx->convert.source_path);
-}
-
-void LoadSource(Fixture& f, TableId id, const std::string& text,
-                const std::string& name = "load.ini") {
-  f.ctx->convert.source_path = f.dir.file(name);
-  test::WriteText(f.ctx->convert.source_path, text);
-  LoadTableSource(*f.ctx, id);
-}
-
-std::vector<std::uint8_t> Emitted(Fixture& f, TableId id) {
-  std::string path = f.dir.file("out.bin");
-  {
-    File out = File::Create(path);
-    EmitTable(*f.ctx, id, out);
-  }
-  return test::ReadFileBytes(path);
 }
 
 // The keys of an all-zero chain (every key present, no sub-tables): it assembles to the
@@ -292,7 +250,7 @@ TEST(PgciUtReportTest, OnlyTheFirst4096BytesOfAUnitAreRead) {
   EXPECT_TRUE(HasLine(f, "        There is no PGC Command Table"));
   EXPECT_TRUE(HasLine(f, "          This is an ERROR as there are 2 cells"));
   ShowIfoDetails(*f.ctx);
-  std::string text = Disassembled(f, {TableId::kVtsmLu});
+  std::string text = test::DisassembleTables(f, {TableId::kVtsmLu});
   EXPECT_NE(text.find("vtsm_pgc_cmdt_sa=0\r\n"), std::string::npos);
   EXPECT_NE(text.find("vtsm_pgc_c_posit_sa=0\r\n"), std::string::npos);
 }
@@ -306,7 +264,7 @@ TEST(PgciUtReportTest, ZeroLanguageCodeByteEndsTheLineAndTheValue) {
   PressDetailsOn(f, "VTSM_PGCI_UT");
   EXPECT_EQ(f.lines()[2], "  Video Title Set Menu Language Code 1: ");
   EXPECT_EQ(f.lines()[5], "  Video Title Set Menu Language Code 2: f");
-  std::string text = Disassembled(f, {TableId::kVtsmPgciUt});
+  std::string text = test::DisassembleTables(f, {TableId::kVtsmPgciUt});
   EXPECT_NE(text.find("vtsm_lu_srp01_lcd=\r\n"), std::string::npos);
   EXPECT_NE(text.find("vtsm_lu_srp02_lcd=f\r\n"), std::string::npos);
 }
@@ -319,7 +277,7 @@ TEST(PgciUtReportTest, ReportingTwiceGivesTheSameLines) {
   ReportTable(*f.ctx, TableId::kVtsmLu);
   EXPECT_EQ(f.lines(), first);
   EXPECT_EQ(CountLines(f, "        There are 1 Pre Commands"), 1u);
-  std::string text = Disassembled(f, {TableId::kVtsmLu});
+  std::string text = test::DisassembleTables(f, {TableId::kVtsmLu});
   EXPECT_NE(text.find("vtsm_pgc_cmdt_pre_ns=1\r\nvtsm_pgc_cmdt_post_ns=1\r\n"), std::string::npos);
 }
 
@@ -331,9 +289,7 @@ TEST(PgciUtReportTest, TableWithZeroHeaderStillGetsDetailsAndDisassembly) {
                                                  "End byte address of VTSM_PGCI_LUs table: 0"}));
   ShowIfoDetails(*f.ctx);
   EXPECT_TRUE(HasLine(f, "** VTSM_LU File: There is no Video Title Set Menu Language Unit Table"));
-  std::string source = f.dir.file("VTS_01_0.INI");
-  f.ui.chooser_answers.push_back(source);
-  DisassembleIfo(*f.ctx);
+  std::string source = test::DisassembleIfoTo(f, "VTS_01_0.INI");
   std::string text = test::ReadFileText(source);
   EXPECT_NE(text.find("[vtsm_pgci_ut]\r\nvtsm_lu_ns=0\r\nvtsm_pgci_lu_ea=0\r\n"),
             std::string::npos);
@@ -387,7 +343,7 @@ TEST(PgciUtReportTest, OverlappingUnitsCannotMultiplyTheWork) {
 TEST(PgciUtDisassembleTest, UnitTableAndLanguageUnitSections) {
   Fixture f;
   OpenVts(f, VtsWith(TwoUnitTable()));
-  std::string text = Disassembled(f, {TableId::kVtsmPgciUt, TableId::kVtsmLu});
+  std::string text = test::DisassembleTables(f, {TableId::kVtsmPgciUt, TableId::kVtsmLu});
   EXPECT_TRUE(text.starts_with(
       "[vtsm_pgci_ut]\r\nvtsm_lu_ns=2\r\nvtsm_pgci_lu_ea=357\r\n"
       "vtsm_lu_srp01_lcd=en\r\nvtsm_lu_srp01_exst=80\r\nvtsm_lu_srp01_lu_sa=24\r\n"
@@ -403,7 +359,7 @@ TEST(PgciUtDisassembleTest, UnitTableAndLanguageUnitSections) {
 TEST(PgciUtDisassembleTest, VideoManagerKeysAndPrefix) {
   Fixture f;
   OpenVmg(f, VmgWith(OneUnitTable()));
-  std::string text = Disassembled(f, {TableId::kVmgmPgciUt, TableId::kVmgmLu});
+  std::string text = test::DisassembleTables(f, {TableId::kVmgmPgciUt, TableId::kVmgmLu});
   EXPECT_TRUE(text.starts_with(
       "[vmgm_pgci_ut]\r\nvmgm_lu_ns=1\r\nvmgm_pgci_lu_ea=349\r\n"
       "vmgm_lu_srp01_lcd=en\r\nvmgm_lu_srp01_exst=80\r\nvmgm_lu_srp01_lu_sa=16\r\n\r\n"
@@ -426,7 +382,7 @@ TEST(PgciUtAssembleTest, OneUnitWithChainsOf200And300Bytes) {
   TableSize size = MeasureTable(*f.ctx, TableId::kVtsmPgciUt);
   EXPECT_EQ(size.bytes, 540u);
   EXPECT_EQ(size.sectors, 1u);
-  std::vector<std::uint8_t> out = Emitted(f, TableId::kVtsmPgciUt);
+  std::vector<std::uint8_t> out = test::EmitInto(f, TableId::kVtsmPgciUt);
   ASSERT_EQ(out.size(), 2048u);
   ByteView v(out);
   EXPECT_EQ(v.be16(0), 1u);
@@ -451,33 +407,33 @@ TEST(PgciUtAssembleTest, OneUnitWithChainsOf200And300Bytes) {
 TEST(PgciUtAssembleTest, DisassembledTableAssemblesBackToTheSameBytes) {
   Fixture f;
   OpenVts(f, VtsWith(OneUnitTable()));
-  std::string text = Disassembled(f, {TableId::kVtsmPgciUt, TableId::kVtsmLu});
-  text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
-  LoadSource(f, TableId::kVtsmPgciUt, text);
+  std::string text =
+      test::WithoutCr(test::DisassembleTables(f, {TableId::kVtsmPgciUt, TableId::kVtsmLu}));
+  test::LoadSource(f, TableId::kVtsmPgciUt, text);
   EXPECT_EQ(MeasureTable(*f.ctx, TableId::kVtsmPgciUt).bytes, 350u);
   std::vector<std::uint8_t> expected = OneUnitTable();
   expected.resize(2048, 0);
-  EXPECT_EQ(Emitted(f, TableId::kVtsmPgciUt), expected);
+  EXPECT_EQ(test::EmitInto(f, TableId::kVtsmPgciUt), expected);
   EXPECT_TRUE(f.ui.Messages().empty());
 }
 
 TEST(PgciUtAssembleTest, MissingExistenceOfUnit2StopsTheLoadWithNothingLoaded) {
   Fixture f;
-  LoadSource(f, TableId::kVtsmPgciUt,
-             "[vtsm_pgci_ut]\nvtsm_lu_ns=2\nvtsm_lu_srp01_lcd=en\nvtsm_lu_srp01_exst=80\n"
-             "vtsm_lu_srp02_lcd=fr\n[vtsm_lu]\nvtsm_lui01_pgci_srp_ns=0\n"
-             "vtsm_lui02_pgci_srp_ns=0\n");
+  test::LoadSource(f, TableId::kVtsmPgciUt,
+                   "[vtsm_pgci_ut]\nvtsm_lu_ns=2\nvtsm_lu_srp01_lcd=en\nvtsm_lu_srp01_exst=80\n"
+                   "vtsm_lu_srp02_lcd=fr\n[vtsm_lu]\nvtsm_lui01_pgci_srp_ns=0\n"
+                   "vtsm_lui02_pgci_srp_ns=0\n");
   EXPECT_EQ(f.ui.Messages(),
             (std::vector<std::string>{"Illegal source format!: VTSM_PGCI_UT is missing an "
                                       "vtsm_lu_srpnn_exst statuement"}));
   EXPECT_EQ(MeasureTable(*f.ctx, TableId::kVtsmPgciUt).bytes, 0u);
-  EXPECT_TRUE(Emitted(f, TableId::kVtsmPgciUt).empty());
+  EXPECT_TRUE(test::EmitInto(f, TableId::kVtsmPgciUt).empty());
 }
 
 TEST(PgciUtAssembleTest, MissingLanguageCodeMessageOfEachInstance) {
   Fixture f;
-  LoadSource(f, TableId::kVtsmPgciUt, "[vtsm_pgci_ut]\nvtsm_lu_ns=1\n");
-  LoadSource(f, TableId::kVmgmPgciUt, "[vmgm_pgci_ut]\nvmgm_lu_ns=1\n", "video_ts.ini");
+  test::LoadSource(f, TableId::kVtsmPgciUt, "[vtsm_pgci_ut]\nvtsm_lu_ns=1\n");
+  test::LoadSource(f, TableId::kVmgmPgciUt, "[vmgm_pgci_ut]\nvmgm_lu_ns=1\n", "video_ts.ini");
   EXPECT_EQ(f.ui.Messages(),
             (std::vector<std::string>{
                 "Illegal source format!: VTSM_PGCI_UT is missing AN vtsm_lu_srpnn_lcd statuement",
@@ -487,26 +443,26 @@ TEST(PgciUtAssembleTest, MissingLanguageCodeMessageOfEachInstance) {
 
 TEST(PgciUtAssembleTest, MissingChainCountStopsTheLoadAndKeepsTheUnitsBeforeIt) {
   Fixture f;
-  LoadSource(f, TableId::kVmgmPgciUt,
-             "[vmgm_pgci_ut]\nvmgm_lu_ns=2\nvmgm_lu_srp01_lcd=en\nvmgm_lu_srp01_exst=80\n"
-             "vmgm_lu_srp02_lcd=fr\nvmgm_lu_srp02_exst=40\n[vmgm_lu]\n"
-             "vmgm_lui01_pgci_srp_ns=0\n");
+  test::LoadSource(f, TableId::kVmgmPgciUt,
+                   "[vmgm_pgci_ut]\nvmgm_lu_ns=2\nvmgm_lu_srp01_lcd=en\nvmgm_lu_srp01_exst=80\n"
+                   "vmgm_lu_srp02_lcd=fr\nvmgm_lu_srp02_exst=40\n[vmgm_lu]\n"
+                   "vmgm_lui01_pgci_srp_ns=0\n");
   EXPECT_EQ(
       f.ui.Messages(),
       (std::vector<std::string>{
           "Illegal source format!: VMGM_LU: is missing the vmgm_lui02_pgci_srp_ns statement"}));
   // Unit 1 alone: 8 + 8 + 8 = 24 bytes.
   EXPECT_EQ(MeasureTable(*f.ctx, TableId::kVmgmPgciUt).bytes, 24u);
-  std::vector<std::uint8_t> out = Emitted(f, TableId::kVmgmPgciUt);
+  std::vector<std::uint8_t> out = test::EmitInto(f, TableId::kVmgmPgciUt);
   EXPECT_EQ(ByteView(out).be16(0), 1u);
   EXPECT_EQ(ByteView(out).be32(20), 8u);  // the unit's size
 }
 
 TEST(PgciUtAssembleTest, MissingCategoryStopsTheLoad) {
   Fixture f;
-  LoadSource(f, TableId::kVtsmPgciUt,
-             UnitPointerKeys(1) + "[vtsm_lu]\nvtsm_lui01_pgci_srp_ns=1\n[vtsm_lu01_01]\n" +
-                 ZeroChainKeys("vtsm_pgc_"));
+  test::LoadSource(f, TableId::kVtsmPgciUt,
+                   UnitPointerKeys(1) + "[vtsm_lu]\nvtsm_lui01_pgci_srp_ns=1\n[vtsm_lu01_01]\n" +
+                       ZeroChainKeys("vtsm_pgc_"));
   EXPECT_EQ(f.ui.Messages(), (std::vector<std::string>{"Illegal source format!: VTSM_LU: is "
                                                        "missing the vtsm_lui_pgc_cat statement"}));
   EXPECT_EQ(MeasureTable(*f.ctx, TableId::kVtsmPgciUt).bytes, 0u);
@@ -514,18 +470,18 @@ TEST(PgciUtAssembleTest, MissingCategoryStopsTheLoad) {
 
 TEST(PgciUtAssembleTest, MissingUnitCountLoadsNothingWithoutAMessage) {
   Fixture f;
-  LoadSource(f, TableId::kVtsmPgciUt, "[vtsm_pgci_ut]\nvtsm_pgci_lu_ea=7\n");
+  test::LoadSource(f, TableId::kVtsmPgciUt, "[vtsm_pgci_ut]\nvtsm_pgci_lu_ea=7\n");
   EXPECT_TRUE(f.ui.Messages().empty());
   EXPECT_EQ(MeasureTable(*f.ctx, TableId::kVtsmPgciUt).sectors, 0u);
 }
 
 TEST(PgciUtAssembleTest, TableWithoutUnitsIsNothingLoaded) {
   Fixture f;
-  LoadSource(f, TableId::kVtsmPgciUt, "[vtsm_pgci_ut]\nvtsm_lu_ns=0\nvtsm_pgci_lu_ea=7\n");
+  test::LoadSource(f, TableId::kVtsmPgciUt, "[vtsm_pgci_ut]\nvtsm_lu_ns=0\nvtsm_pgci_lu_ea=7\n");
   TableSize size = MeasureTable(*f.ctx, TableId::kVtsmPgciUt);
   EXPECT_EQ(size.bytes, 0u);
   EXPECT_EQ(size.sectors, 0u);
-  EXPECT_TRUE(Emitted(f, TableId::kVtsmPgciUt).empty());
+  EXPECT_TRUE(test::EmitInto(f, TableId::kVtsmPgciUt).empty());
 }
 
 TEST(PgciUtAssembleTest, MoreThan16UnitsAndMoreThan99ChainsAreLoaded) {
@@ -540,14 +496,14 @@ TEST(PgciUtAssembleTest, MoreThan16UnitsAndMoreThan99ChainsAreLoaded) {
         Format("[vtsm_lu%02d_01]\nvtsm_lui_pgc_cat=00000000\n", {n}) + ZeroChainKeys("vtsm_pgc_");
   }
   Fixture f;
-  LoadSource(f, TableId::kVtsmPgciUt, text);
+  test::LoadSource(f, TableId::kVtsmPgciUt, text);
   EXPECT_TRUE(f.ui.Messages().empty());
   // Unit 1: 8 + 100 x (8 + 236) = 24408; units 2-17: 8 + 8 + 236 = 252 each.
   // Table: 8 + 17 x 8 + 24408 + 16 x 252 = 28584 bytes, 14 sectors.
   TableSize size = MeasureTable(*f.ctx, TableId::kVtsmPgciUt);
   EXPECT_EQ(size.bytes, 28584u);
   EXPECT_EQ(size.sectors, 14u);
-  std::vector<std::uint8_t> out = Emitted(f, TableId::kVtsmPgciUt);
+  std::vector<std::uint8_t> out = test::EmitInto(f, TableId::kVtsmPgciUt);
   ASSERT_EQ(out.size(), 14u * 2048);
   ByteView v(out);
   EXPECT_EQ(v.be16(0), 17u);
@@ -571,26 +527,19 @@ TEST(PgciUtAssembleTest, LanguageUnitLoadIsTheEmptyStep) {
 TEST(PgciUtAssembleTest, TitleSetAssemblyShowsALoadMessageOnce) {
   Fixture f;
   OpenVts(f, VtsWith(OneUnitTable()));
-  std::string source = f.dir.file("VTS_01_0.INI");
-  f.ui.chooser_answers.push_back(source);
-  DisassembleIfo(*f.ctx);
-  std::string text = test::ReadFileText(source);
-  text.erase(std::remove(text.begin(), text.end(), '\r'), text.end());
+  std::string text = test::WithoutCr(test::ReadFileText(test::DisassembleIfoTo(f, "VTS_01_0.INI")));
   std::size_t at = text.find("vtsm_lu_srp01_lcd=en\n");
   ASSERT_NE(at, std::string::npos);
   text.erase(at, 21);
-  f.ctx->batch.asm_path = f.dir.file("vts_01_0_edit.ini");
-  test::WriteText(f.ctx->batch.asm_path, text);
-  f.ctx->batch.obj_path = f.dir.file("new/VTS_01_0.IFO");
-  std::filesystem::create_directory(f.dir.file("new"));
-  AssembleBatch(*f.ctx);
+  test::WriteText(f.dir.file("vts_01_0_edit.ini"), text);
+  std::vector<std::uint8_t> out =
+      test::AssembleBatchInto(f, f.dir.file("vts_01_0_edit.ini"), "VTS_01_0.IFO");
   // (The source has no title set PGCI table, whose load reports its missing count.)
   std::vector<std::string> messages = f.ui.Messages();
   EXPECT_EQ(std::count(messages.begin(), messages.end(),
                        "Illegal source format!: VTSM_PGCI_UT is missing AN vtsm_lu_srpnn_lcd "
                        "statuement"),
             1);
-  std::vector<std::uint8_t> out = test::ReadFileBytes(f.ctx->batch.obj_path);
   EXPECT_EQ(ByteView(out).be32(kVtsmPgciUtSa), 0u);
 }
 
@@ -598,19 +547,12 @@ TEST(PgciUtRoundTripTest, VideoManagerWithAMenuUnitTableAssemblesBackToTheSameTa
   std::vector<std::uint8_t> image = VmgWith(OneUnitTable());
   Fixture f;
   OpenVmg(f, image);
-  std::string source = f.dir.file("VIDEO_TS.INI");
-  f.ui.chooser_answers.push_back(source);
-  DisassembleIfo(*f.ctx);
-  f.ctx->batch.asm_path = source;
-  f.ctx->batch.obj_path = f.dir.file("new/VIDEO_TS.IFO");
-  std::filesystem::create_directory(f.dir.file("new"));
-  AssembleBatch(*f.ctx);
+  std::vector<std::uint8_t> out = test::RoundTripThroughDrivers(f, "VIDEO_TS.IFO");
   // The image has neither an attribute table nor a title search pointer table, so their
   // counts are missing from the source.
   EXPECT_EQ(f.ui.Messages(),
             (std::vector<std::string>{"Statement missing in vts_atrt!: vts_ns",
                                       "Statement missing in vmg_ptt_srpt!: vts_ttu_ns"}));
-  std::vector<std::uint8_t> out = test::ReadFileBytes(f.ctx->batch.obj_path);
   ASSERT_EQ(out.size(), 2u * 2048);
   EXPECT_EQ(ByteView(out).be32(kVmgmPgciUtSa), 1u);
   EXPECT_TRUE(std::equal(image.begin() + 2048, image.end(), out.begin() + 2048));

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "convert/drivers.h"
-#include "ifo/adt_test_tables.h"
+#include "ifo/ifo_drivers.h"
 #include "ifo/ifo_images.h"
 #include "platform/bytes.h"
 #include "support/test_support.h"
@@ -15,6 +15,7 @@ namespace tarvex {
 namespace {
 
 using test::Fixture;
+using test::HasLine;
 
 constexpr std::size_t kPtlMaitSa = 204;
 
@@ -38,22 +39,12 @@ std::vector<std::uint8_t> TwoCountries() {
 }
 
 void OpenWith(Fixture& f, const std::vector<std::uint8_t>& table) {
-  f.OpenBytes("VIDEO_TS.IFO", test::WithTables(test::MakeVmgImage(), {{kPtlMaitSa, table}}),
-              kFileIfo);
-  ShowIfoOverview(*f.ctx);
-}
-
-bool HasLine(const Fixture& f, const std::string& line) {
-  for (const std::string& l : f.lines()) {
-    if (l == line) return true;
-  }
-  return false;
+  test::OpenIfo(f, "VIDEO_TS.IFO", test::WithTables(test::MakeVmgImage(), {{kPtlMaitSa, table}}));
 }
 
 TEST(MaitOpenTest, AbsenceAndHeadingLines) {
   Fixture f;
-  f.OpenBytes("VIDEO_TS.IFO", test::MakeVmgImage(), kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VIDEO_TS.IFO", test::MakeVmgImage());
   EXPECT_TRUE(
       HasLine(f, "** VMG_MAIT IFO File: There is no Parental Management Information Table."));
   Fixture g;
@@ -98,12 +89,7 @@ TEST(MaitReportTest, PointersBeyondTheEndOfTheFileReadAsZeros) {
 TEST(MaitReportTest, ReportReadsTheTableAfresh) {
   Fixture f;
   OpenWith(f, TwoCountries());
-  {
-    File rw = File::OpenReadWrite(f.ctx->open.file_path);
-    rw.Seek(2048 + 9);
-    const std::uint8_t k = 'k';
-    rw.Write(&k, 1);
-  }
+  test::OverwriteOpenFile(f, 2048 + 9, {'k'});
   ReportTable(*f.ctx, TableId::kVmgMait);
   EXPECT_EQ(f.lines()[3], "Country Code of 1: uk");
 }
@@ -111,10 +97,7 @@ TEST(MaitReportTest, ReportReadsTheTableAfresh) {
 TEST(MaitDisassembleTest, CountryKeysGoToTheTitleSearchPointerSection) {
   Fixture f;
   OpenWith(f, TwoCountries());
-  f.ctx->convert.source_path = f.dir.file("OUT.INI");
-  DisassembleTable(*f.ctx, TableId::kVmgMait);
-  f.ctx->profiles.Flush();
-  EXPECT_EQ(test::ReadFileText(f.ctx->convert.source_path),
+  EXPECT_EQ(test::DisassembleTables(f, {TableId::kVmgMait}),
             "[ptl_mait]\r\ncty_ns=2\r\nvts_ns=1\r\nptl_maait_ea=512\r\n\r\n"
             "[vmg_ptt_srpt]\r\nptl_mai_srp01_cty_cd=us\r\nptl_mai_srp01_ptl_mai_sa=24\r\n"
             "ptl_mai_srp02_cty_cd=\r\nptl_mai_srp02_ptl_mai_sa=291\r\n");
@@ -123,8 +106,8 @@ TEST(MaitDisassembleTest, CountryKeysGoToTheTitleSearchPointerSection) {
 TEST(MaitAssembleTest, NothingIsLoadedMeasuredOrWritten) {
   Fixture f;
   TableSize size{1, 1};
-  std::vector<std::uint8_t> bytes = test::AssembleTable(*f.ctx, f.dir.path(), TableId::kVmgMait,
-                                                        "[ptl_mait]\ncty_ns=2\nvts_ns=1\n", &size);
+  std::vector<std::uint8_t> bytes =
+      test::AssembleTable(f, TableId::kVmgMait, "[ptl_mait]\ncty_ns=2\nvts_ns=1\n", &size);
   EXPECT_EQ(size.sectors, 0u);
   EXPECT_EQ(size.bytes, 0u);
   EXPECT_TRUE(bytes.empty());

@@ -3,10 +3,9 @@
 // line was read by hand from the IFO bytes (offsets given in the comments).
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
 #include "convert/drivers.h"
-#include "ifo/srpt_images.h"
+#include "ifo/ifo_drivers.h"
+#include "ifo/sample_disc.h"
 #include "ifo/vtsi_mat.h"
 #include "platform/bytes.h"
 #include "support/test_support.h"
@@ -15,21 +14,10 @@ namespace tarvex {
 namespace {
 
 using test::Fixture;
-
-const std::string kSampleDir = std::string(TARVEX_SAMPLES_DIR) + "/disc/VIDEO_TS/";
-
-bool SampleAvailable() {
-  return File::Exists(kSampleDir + "VIDEO_TS.IFO") && File::Exists(kSampleDir + "VTS_01_0.IFO");
-}
-
-void OpenSample(Fixture& f, const std::string& name) {
-  f.OpenBytes(name, test::ReadFileBytes(kSampleDir + name), kFileIfo);
-  ShowIfoOverview(*f.ctx);
-}
-
-bool HasLine(const std::vector<std::string>& lines, const std::string& line) {
-  return std::find(lines.begin(), lines.end(), line) != lines.end();
-}
+using test::HasLine;
+using test::OpenSample;
+using test::SampleAvailable;
+using test::TableSector;
 
 TEST(SrptSampleTest, OverviewHeadingLines) {
   if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
@@ -104,42 +92,9 @@ TEST(SrptSampleTest, TimeMapDetails) {
             }));
 }
 
-struct RoundTrip {
-  std::vector<std::uint8_t> original;
-  std::vector<std::uint8_t> assembled;
-  std::vector<std::string> messages;
-};
-
-// Disassembles the sample IFO and assembles the source next to copies of the sample's VOBs.
-RoundTrip RunRoundTrip(const std::string& ifo, const std::string& ini) {
-  Fixture f;
-  OpenSample(f, ifo);
-  std::string source = f.dir.file(ini);
-  f.ui.chooser_answers.push_back(source);
-  DisassembleIfo(*f.ctx);
-  std::string out_dir = f.dir.file("out");
-  std::filesystem::create_directory(out_dir);
-  for (const char* vob : {"VIDEO_TS.VOB", "VTS_01_0.VOB", "VTS_01_1.VOB"}) {
-    std::filesystem::copy_file(kSampleDir + vob, out_dir + "/" + vob);
-  }
-  f.ctx->batch.asm_path = source;
-  f.ctx->batch.obj_path = out_dir + "/" + ifo;
-  AssembleBatch(*f.ctx);
-  return {test::ReadFileBytes(kSampleDir + ifo), test::ReadFileBytes(out_dir + "/" + ifo),
-          f.ui.Messages()};
-}
-
-// The sector of a table in an IFO, located by its start sector field.
-std::vector<std::uint8_t> TableSector(const std::vector<std::uint8_t>& ifo, std::size_t sa_at) {
-  std::size_t at = std::size_t{ByteView(ifo).be32(sa_at)} * 2048;
-  if (at == 0 || at + 2048 > ifo.size()) return {};
-  return {ifo.begin() + static_cast<std::ptrdiff_t>(at),
-          ifo.begin() + static_cast<std::ptrdiff_t>(at + 2048)};
-}
-
 TEST(SrptSampleTest, TitleSearchPointersComeBackUnchanged) {
   if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
-  RoundTrip rt = RunRoundTrip("VIDEO_TS.IFO", "VIDEO_TS.INI");
+  test::SampleRoundTrip rt = test::RunSampleRoundTrip("VIDEO_TS.IFO", "VIDEO_TS.INI");
   EXPECT_TRUE(rt.messages.empty());
   // Parental ID 0 and VTS_TTN 1 are not changed by their established load rules.
   std::vector<std::uint8_t> table = TableSector(rt.assembled, 196);
@@ -149,7 +104,7 @@ TEST(SrptSampleTest, TitleSearchPointersComeBackUnchanged) {
 
 TEST(SrptSampleTest, PartOfTitleTableIsRebuiltWithOnePointerPerPart) {
   if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
-  RoundTrip rt = RunRoundTrip("VTS_01_0.IFO", "VTS_01_0.INI");
+  test::SampleRoundTrip rt = test::RunSampleRoundTrip("VTS_01_0.IFO", "VTS_01_0.INI");
   EXPECT_TRUE(rt.messages.empty());
   std::vector<std::uint8_t> table = TableSector(rt.assembled, kVtsPttSrptSa);
   ASSERT_FALSE(table.empty());
@@ -164,7 +119,7 @@ TEST(SrptSampleTest, PartOfTitleTableIsRebuiltWithOnePointerPerPart) {
 
 TEST(SrptSampleTest, TimeMapComesBackUnchanged) {
   if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
-  RoundTrip rt = RunRoundTrip("VTS_01_0.IFO", "VTS_01_0.INI");
+  test::SampleRoundTrip rt = test::RunSampleRoundTrip("VTS_01_0.IFO", "VTS_01_0.INI");
   EXPECT_TRUE(rt.messages.empty());
   std::vector<std::uint8_t> table = TableSector(rt.assembled, kVtsTmaptSa);
   ASSERT_FALSE(table.empty());

@@ -3,11 +3,9 @@
 // (count, 2 zero bytes, end address) and 12-byte title entries.
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
 #include "convert/drivers.h"
+#include "ifo/ifo_drivers.h"
 #include "ifo/ifo_images.h"
-#include "ifo/srpt_images.h"
 #include "ifo/table.h"
 #include "ifo/vmgi_mat.h"
 #include "platform/bytes.h"
@@ -30,9 +28,8 @@ std::vector<std::uint8_t> TwoTitles() {
 }
 
 void OpenVmg(Fixture& f, const std::vector<std::uint8_t>& table, std::uint32_t sector = 1) {
-  f.OpenBytes("VIDEO_TS.IFO", test::WithTableAt(test::MakeVmgImage(), kTtSrptSa, sector, table),
-              kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VIDEO_TS.IFO",
+                test::WithTableAt(test::MakeVmgImage(), kTtSrptSa, sector, table));
 }
 
 const std::vector<std::string> kTwoTitlesReport = {
@@ -56,8 +53,7 @@ const std::vector<std::string> kTwoTitlesReport = {
 
 TEST(SrptTitleOpenTest, AbsentTableGivesOneLine) {
   Fixture f;
-  f.OpenBytes("VIDEO_TS.IFO", test::MakeVmgImage(), kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VIDEO_TS.IFO", test::MakeVmgImage());
   // The table's line comes right after the menu VOB line; the other tables' lines follow.
   ASSERT_GE(f.lines().size(), 3u);
   EXPECT_EQ(f.lines()[2],
@@ -88,10 +84,7 @@ TEST(SrptTitleReportTest, DetailsListSevenLinesPerTitle) {
 TEST(SrptTitleDisassembleTest, KeysInTableOrder) {
   Fixture f;
   OpenVmg(f, TwoTitles());
-  f.ctx->convert.source_path = f.dir.file("VIDEO_TS.INI");
-  DisassembleTable(*f.ctx, TableId::kVmgPttSrpt);
-  f.ctx->profiles.Flush();
-  EXPECT_EQ(test::SectionLines(test::ReadFileText(f.ctx->convert.source_path), "vmg_ptt_srpt"),
+  EXPECT_EQ(test::SectionLines(test::DisassembleTables(f, {TableId::kVmgPttSrpt}), "vmg_ptt_srpt"),
             (std::vector<std::string>{"vts_ttu_ns=2", "vts_ptt_srpt_ea=31", "tt_pb_ty01=x3c",
                                       "tt_agl_ns01=1", "tt_ptt_ns01=3", "tt_ptl_id_fld01=258",
                                       "vtsn01=1", "vts_ttn01=1", "vts_sa01=5", "tt_pb_ty02=x1c",
@@ -269,8 +262,7 @@ TEST(SrptTitleRulesTest, BodyBeyondTheEndOfTheFileReadsZeroAndTheLoopIsBounded) 
   std::vector<std::uint8_t> image = test::MakeVmgImage();
   ByteWriter(image).put_be32(kTtSrptSa, 1);
   image.insert(image.end(), table.begin(), table.end());
-  f.OpenBytes("VIDEO_TS.IFO", image, kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VIDEO_TS.IFO", image);
   std::vector<std::string> lines = test::DetailsOf(f, "VMG_PTT");
   ASSERT_EQ(lines.size(), 2u + 7u * 2u);
   EXPECT_EQ(lines[0], "Number of Title Unit Serch Pointers TTUs in the VTS: 65535");
@@ -290,12 +282,7 @@ TEST(SrptTitleRulesTest, ReportReadsTheEntriesAfreshEachTime) {
   ReportTable(*f.ctx, TableId::kVmgPttSrpt);
   EXPECT_EQ(f.lines(), kTwoTitlesReport);
   // Change the first title's angle count in the file behind the open table.
-  {
-    File rw = File::OpenReadWrite(f.ctx->open.file_path);
-    rw.Seek(2048 + 8 + 1);
-    std::uint8_t nine = 9;
-    rw.Write(&nine, 1);
-  }
+  test::OverwriteOpenFile(f, 2048 + 8 + 1, {9});
   ReportTable(*f.ctx, TableId::kVmgPttSrpt);
   EXPECT_EQ(f.lines()[3], "    Title set 1: Number of angles: 9");
 }
@@ -310,9 +297,7 @@ TEST(SrptTitleRulesTest, HeadingWithZeroHeaderStillHasDetailsAndDisassembly) {
                                       "End byte address of PTT_SRPT table: 0"}));
   f.ctx->stream.details_mode = 0;
   ShowIfoOverview(*f.ctx);
-  std::string source = f.dir.file("VIDEO_TS.INI");
-  f.ui.chooser_answers.push_back(source);
-  DisassembleIfo(*f.ctx);
+  std::string source = test::DisassembleIfoTo(f, "VIDEO_TS.INI");
   EXPECT_EQ(test::SectionLines(test::ReadFileText(source), "vmg_ptt_srpt"),
             (std::vector<std::string>{"vts_ttu_ns=0", "vts_ptt_srpt_ea=0"}));
 }
@@ -328,11 +313,8 @@ TEST(SrptTitleRulesTest, ZeroFieldsPrintAsDigitsAndCutNothing) {
   ASSERT_EQ(lines.size(), 9u);
   EXPECT_EQ(lines[2], "    Title set 1: Title playback type: 0");
   EXPECT_EQ(lines[8], "    Title set 1: Title set starting sector number: 0");
-  f.ctx->convert.source_path = f.dir.file("VIDEO_TS.INI");
-  DisassembleTable(*f.ctx, TableId::kVmgPttSrpt);
-  f.ctx->profiles.Flush();
   std::vector<std::string> keys =
-      test::SectionLines(test::ReadFileText(f.ctx->convert.source_path), "vmg_ptt_srpt");
+      test::SectionLines(test::DisassembleTables(f, {TableId::kVmgPttSrpt}), "vmg_ptt_srpt");
   ASSERT_EQ(keys.size(), 9u);
   EXPECT_EQ(keys[2], "tt_pb_ty01=x00");
 }
@@ -363,12 +345,7 @@ TEST(SrptTitleAssembleTest, VideoManagerAssemblyPlacesTheTable) {
     std::string text = test::ReadFileText(f.ctx->convert.source_path) + TitleSource(count, 1);
     test::WriteText(f.ctx->convert.source_path, text);
     LoadTableSource(*f.ctx, TableId::kVmgPttSrpt);
-    std::string out_path = f.dir.file("VIDEO_TS.IFO");
-    {
-      File out = File::Create(out_path);
-      AssembleVideoManager(*f.ctx, out, out_path);
-    }
-    std::vector<std::uint8_t> bytes = test::ReadFileBytes(out_path);
+    std::vector<std::uint8_t> bytes = test::AssembleVideoManagerInto(f, "VIDEO_TS.IFO");
     ByteView v(bytes);
     if (count == 1) {
       ASSERT_EQ(bytes.size(), 2u * 2048);
@@ -387,19 +364,11 @@ TEST(SrptTitleAssembleTest, VideoManagerAssemblyPlacesTheTable) {
 TEST(SrptTitleRoundTripTest, DriversGiveTheTableBack) {
   Fixture f;
   OpenVmg(f, TwoTitles());
-  std::string source = f.dir.file("VIDEO_TS.INI");
-  f.ui.chooser_answers.push_back(source);
-  DisassembleIfo(*f.ctx);
-  std::string out_dir = f.dir.file("out");
-  std::filesystem::create_directory(out_dir);
-  f.ctx->batch.asm_path = source;
-  f.ctx->batch.obj_path = out_dir + "/VIDEO_TS.IFO";
-  AssembleBatch(*f.ctx);
+  std::vector<std::uint8_t> out = test::RoundTripThroughDrivers(f, "VIDEO_TS.IFO");
   // The image holds no other video manager table; none of their messages concern this one.
   for (const std::string& m : f.ui.Messages()) {
     EXPECT_EQ(m.find("vmg_ptt_srpt"), std::string::npos) << m;
   }
-  std::vector<std::uint8_t> out = test::ReadFileBytes(out_dir + "/VIDEO_TS.IFO");
   ASSERT_EQ(out.size(), 2u * 2048);
   EXPECT_EQ(ByteView(out).be32(kTtSrptSa), 1u);
   std::vector<std::uint8_t> expected = TwoTitles();

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "convert/drivers.h"
-#include "ifo/adt_test_tables.h"
+#include "ifo/ifo_drivers.h"
 #include "ifo/ifo_images.h"
 #include "platform/bytes.h"
 #include "support/test_support.h"
@@ -15,6 +15,7 @@ namespace tarvex {
 namespace {
 
 using test::Fixture;
+using test::HasLine;
 
 constexpr std::size_t kTxtdtMgSa = 212;
 
@@ -30,29 +31,12 @@ std::vector<std::uint8_t> TextManager() {
 }
 
 void OpenWith(Fixture& f, const std::vector<std::uint8_t>& table) {
-  f.OpenBytes("VIDEO_TS.IFO", test::WithTables(test::MakeVmgImage(), {{kTxtdtMgSa, table}}),
-              kFileIfo);
-  ShowIfoOverview(*f.ctx);
-}
-
-bool HasLine(const Fixture& f, const std::string& line) {
-  for (const std::string& l : f.lines()) {
-    if (l == line) return true;
-  }
-  return false;
-}
-
-std::string Disassemble(Fixture& f) {
-  f.ctx->convert.source_path = f.dir.file("OUT.INI");
-  DisassembleTable(*f.ctx, TableId::kVmgTxtdt);
-  f.ctx->profiles.Flush();
-  return test::ReadFileText(f.ctx->convert.source_path);
+  test::OpenIfo(f, "VIDEO_TS.IFO", test::WithTables(test::MakeVmgImage(), {{kTxtdtMgSa, table}}));
 }
 
 TEST(TxtdtOpenTest, AbsenceAndHeadingLines) {
   Fixture f;
-  f.OpenBytes("VIDEO_TS.IFO", test::MakeVmgImage(), kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VIDEO_TS.IFO", test::MakeVmgImage());
   EXPECT_TRUE(HasLine(f, "** VMG_TXTDT_MGI IFO File: There is no Text Data Manager information."));
   Fixture g;
   OpenWith(g, TextManager());
@@ -92,7 +76,7 @@ TEST(TxtdtReportTest, HeaderOfZerosStillGivesBothLines) {
 TEST(TxtdtDisassembleTest, IdentifierIsWrittenAsItsTwelveCharacters) {
   Fixture f;
   OpenWith(f, TextManager());
-  EXPECT_EQ(Disassemble(f),
+  EXPECT_EQ(test::DisassembleTables(f, {TableId::kVmgTxtdt}),
             "[txtdt_mg]\r\ntxtdt_id=DVDVIDEO-TXT\r\ntxtdt_lu_ns=3\r\ntxtdt_mg_ea=4660\r\n");
 }
 
@@ -101,15 +85,15 @@ TEST(TxtdtDisassembleTest, IdentifierEndsAtItsFirstZeroByte) {
   std::vector<std::uint8_t> t = TextManager();
   t[5] = 0;
   OpenWith(f, t);
-  EXPECT_EQ(Disassemble(f),
+  EXPECT_EQ(test::DisassembleTables(f, {TableId::kVmgTxtdt}),
             "[txtdt_mg]\r\ntxtdt_id=DVDVI\r\ntxtdt_lu_ns=3\r\ntxtdt_mg_ea=4660\r\n");
 }
 
 TEST(TxtdtAssembleTest, NothingIsLoadedMeasuredOrWritten) {
   Fixture f;
   TableSize size{1, 1};
-  std::vector<std::uint8_t> bytes = test::AssembleTable(*f.ctx, f.dir.path(), TableId::kVmgTxtdt,
-                                                        "[txtdt_mg]\ntxtdt_lu_ns=3\n", &size);
+  std::vector<std::uint8_t> bytes =
+      test::AssembleTable(f, TableId::kVmgTxtdt, "[txtdt_mg]\ntxtdt_lu_ns=3\n", &size);
   EXPECT_EQ(size.sectors, 0u);
   EXPECT_TRUE(bytes.empty());
 }

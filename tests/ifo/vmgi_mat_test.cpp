@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "convert/drivers.h"
+#include "ifo/ifo_drivers.h"
 #include "ifo/ifo_images.h"
 #include "ifo/pgc.h"
 #include "platform/bytes.h"
@@ -139,8 +140,7 @@ TEST(VmgiMatDisassembleTest, WritesSectionVmgiMatAndTheFirstPlayChain) {
   std::vector<std::uint8_t> pgc = test::MakeSamplePgc();
   f.OpenBytes("VIDEO_TS.IFO", test::MakeVmgImage(pgc), kFileIfo);
   OpenVideoManager(*f.ctx, f.ctx->open.file_handle);
-  f.ctx->convert.source_path = f.dir.file("VIDEO_TS.INI");
-  test::WriteText(f.ctx->convert.source_path, "[old]\nkey=1\n");
+  test::UseSource(f, "[old]\nkey=1\n", "VIDEO_TS.INI");
   DisassembleVideoManager(*f.ctx);
   f.ctx->profiles.Flush();
   std::string text = test::ReadFileText(f.ctx->convert.source_path);
@@ -174,14 +174,9 @@ struct Assembled {
 
 Assembled Assemble(Fixture& f, const std::string& source,
                    const std::string& out_name = "VIDEO_TS.IFO") {
-  f.ctx->convert.source_path = f.dir.file("VIDEO_TS.INI");
-  test::WriteText(f.ctx->convert.source_path, source);
-  std::string out_path = f.dir.file(out_name);
-  {
-    File out = File::Create(out_path);
-    AssembleVideoManager(*f.ctx, out, out_path);
-  }
-  return {test::ReadFileBytes(out_path), f.ui.Messages()};
+  test::UseSource(f, source, "VIDEO_TS.INI");
+  std::vector<std::uint8_t> bytes = test::AssembleVideoManagerInto(f, out_name);
+  return {bytes, f.ui.Messages()};
 }
 
 TEST(VmgiMatAssembleTest, SourceWithoutFirstPlayChainGivesOneSectorTable) {
@@ -230,12 +225,7 @@ TEST(VmgiMatAssembleTest, FirstPlayChainIsPlacedAtByte1024) {
   f.ctx->convert.source_path = f.dir.file("VIDEO_TS.INI");
   DisassembleVideoManager(*f.ctx);
   f.ctx->profiles.Flush();
-  std::string out_path = f.dir.file("VIDEO_TS.IFO");
-  {
-    File out = File::Create(out_path);
-    AssembleVideoManager(*f.ctx, out, out_path);
-  }
-  std::vector<std::uint8_t> bytes = test::ReadFileBytes(out_path);
+  std::vector<std::uint8_t> bytes = test::AssembleVideoManagerInto(f, "VIDEO_TS.IFO");
   std::vector<std::uint8_t> expected = test::MakeVmgImage(pgc);
   expected.resize(2048);
   ByteWriter w(expected);

@@ -6,6 +6,7 @@
 
 #include "convert/drivers.h"
 #include "ifo/adt_test_tables.h"
+#include "ifo/ifo_drivers.h"
 #include "ifo/ifo_images.h"
 #include "ifo/vtsi_mat.h"
 #include "platform/bytes.h"
@@ -20,14 +21,12 @@ using test::Fixture;
 constexpr std::size_t kVmgmVobuAdmapSa = 220;
 
 void OpenTitleSetWith(Fixture& f, const std::vector<std::uint8_t>& map, std::size_t offset) {
-  f.OpenBytes("VTS_01_0.IFO", test::WithTables(test::MakeVtsImage(), {{offset, map}}), kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VTS_01_0.IFO", test::WithTables(test::MakeVtsImage(), {{offset, map}}));
 }
 
 void OpenVideoManagerWith(Fixture& f, const std::vector<std::uint8_t>& map) {
-  f.OpenBytes("VIDEO_TS.IFO", test::WithTables(test::MakeVmgImage(), {{kVmgmVobuAdmapSa, map}}),
-              kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VIDEO_TS.IFO",
+                test::WithTables(test::MakeVmgImage(), {{kVmgmVobuAdmapSa, map}}));
 }
 
 std::vector<std::string> Tail(const Fixture& f, std::size_t n) {
@@ -35,17 +34,9 @@ std::vector<std::string> Tail(const Fixture& f, std::size_t n) {
   return {l.end() - static_cast<std::ptrdiff_t>(std::min(n, l.size())), l.end()};
 }
 
-std::string Disassemble(Fixture& f, TableId id) {
-  f.ctx->convert.source_path = f.dir.file("OUT.INI");
-  DisassembleTable(*f.ctx, id);
-  f.ctx->profiles.Flush();
-  return test::ReadFileText(f.ctx->convert.source_path);
-}
-
 TEST(AdmapOpenTest, AbsentMapsShareOneDescriptionWithoutAFullStop) {
   Fixture f;
-  f.OpenBytes("VTS_01_0.IFO", test::MakeVtsImage(), kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VTS_01_0.IFO", test::MakeVtsImage());
   EXPECT_EQ(Tail(f, 2), (std::vector<std::string>{
                             "** VTS_C_ADT IFO File: There is no Video Title Set Cell Address "
                             "Table.",
@@ -55,8 +46,7 @@ TEST(AdmapOpenTest, AbsentMapsShareOneDescriptionWithoutAFullStop) {
             "** VTSM_VOBU_ADMAP IFO File: There is no Video Title Set Menu VOBU Address Map "
             "Table");
   Fixture g;
-  g.OpenBytes("VIDEO_TS.IFO", test::MakeVmgImage(), kFileIfo);
-  ShowIfoOverview(*g.ctx);
+  test::OpenIfo(g, "VIDEO_TS.IFO", test::MakeVmgImage());
   EXPECT_EQ(g.lines().back(),
             "** VMGM_VOBU_ADMAP IFO File: There is no Video Title Set Menu VOBU Address Map "
             "Table");
@@ -65,11 +55,9 @@ TEST(AdmapOpenTest, AbsentMapsShareOneDescriptionWithoutAFullStop) {
 TEST(AdmapOpenTest, HeadingLinesShareOneDescription) {
   Fixture f;
   std::vector<std::uint8_t> map = test::MakeVobuAdmap({0, 10});
-  f.OpenBytes(
-      "VTS_01_0.IFO",
-      test::WithTables(test::MakeVtsImage(), {{kVtsmVobuAdmapSa, map}, {kVtsVobuAdmapSa, map}}),
-      kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(
+      f, "VTS_01_0.IFO",
+      test::WithTables(test::MakeVtsImage(), {{kVtsmVobuAdmapSa, map}, {kVtsVobuAdmapSa, map}}));
   EXPECT_EQ(f.lines().back(),
             "VTS_VOBU_ADMAP IFO File: Video Title Set Menu VOBU Address Map Table");
   EXPECT_EQ(f.lines()[f.lines().size() - 3],
@@ -130,7 +118,7 @@ TEST(AdmapReportTest, VideoManagerMapLargerThanTheFileIsAnAllocationFailure) {
   ReportTable(*f.ctx, TableId::kVmgmVobuAdmap);
   EXPECT_EQ(f.lines(),
             (std::vector<std::string>{"ERROR: Could not aquire memory for VMGM_VOBU_ADMAP"}));
-  EXPECT_EQ(Disassemble(f, TableId::kVmgmVobuAdmap), "");
+  EXPECT_EQ(test::DisassembleTables(f, {TableId::kVmgmVobuAdmap}), "");
 }
 
 TEST(AdmapReportTest, TitleSetMapLargerThanTheFileNamesTheMenuMap) {
@@ -142,15 +130,14 @@ TEST(AdmapReportTest, TitleSetMapLargerThanTheFileNamesTheMenuMap) {
   ReportTable(*f.ctx, TableId::kVtsVobuAdmap);
   EXPECT_EQ(f.lines(),
             (std::vector<std::string>{"ERROR: Could not aquire memory for VTSM_VOBU_ADMAP"}));
-  EXPECT_EQ(Disassemble(f, TableId::kVtsVobuAdmap), "");
+  EXPECT_EQ(test::DisassembleTables(f, {TableId::kVtsVobuAdmap}), "");
 }
 
 TEST(AdmapOpenTest, TitleSetMenuMapLargerThanTheFileFailsInTheOverview) {
   Fixture f;
   std::vector<std::uint8_t> map = test::MakeVobuAdmap({1}, 11);
-  f.OpenBytes("VTS_01_0.IFO", test::WithTables(test::MakeVtsImage(), {{kVtsmVobuAdmapSa, map}}),
-              kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VTS_01_0.IFO",
+                test::WithTables(test::MakeVtsImage(), {{kVtsmVobuAdmapSa, map}}));
   const auto& l = f.lines();
   std::size_t heading = 0;
   while (heading < l.size() && !l[heading].starts_with("VTSM_VOBU_ADMAP")) ++heading;
@@ -159,18 +146,13 @@ TEST(AdmapOpenTest, TitleSetMenuMapLargerThanTheFileFailsInTheOverview) {
   // Nothing more of the map: its details are empty and nothing is disassembled.
   ReportTable(*f.ctx, TableId::kVtsmVobuAdmap);
   EXPECT_TRUE(f.lines().empty());
-  EXPECT_EQ(Disassemble(f, TableId::kVtsmVobuAdmap), "");
+  EXPECT_EQ(test::DisassembleTables(f, {TableId::kVtsmVobuAdmap}), "");
 }
 
 TEST(AdmapReportTest, TitleSetMenuMapKeepsTheEntriesReadWhenOpened) {
   Fixture f;
   OpenTitleSetWith(f, test::MakeVobuAdmap({5, 6}), kVtsmVobuAdmapSa);
-  {
-    File rw = File::OpenReadWrite(f.ctx->open.file_path);
-    rw.Seek(2048 + 4);
-    const std::uint8_t bytes[4] = {0, 0, 0, 42};
-    rw.Write(bytes, 4);
-  }
+  test::OverwriteOpenFile(f, 2048 + 4, {0, 0, 0, 42});
   ReportTable(*f.ctx, TableId::kVtsmVobuAdmap);
   EXPECT_EQ(f.lines()[0], "  VOBU 1 starts at sector 5");
   ReportTable(*f.ctx, TableId::kVtsmVobuAdmap);
@@ -182,12 +164,7 @@ TEST(AdmapReportTest, TitleSetMapIsReadAfreshForEveryReport) {
   OpenTitleSetWith(f, test::MakeVobuAdmap({5, 6}), kVtsVobuAdmapSa);
   ReportTable(*f.ctx, TableId::kVtsVobuAdmap);
   EXPECT_EQ(f.lines()[0], "  VOBU 1 starts at sector 5");
-  {
-    File rw = File::OpenReadWrite(f.ctx->open.file_path);
-    rw.Seek(2048 + 4);
-    const std::uint8_t bytes[4] = {0, 0, 0, 42};
-    rw.Write(bytes, 4);
-  }
+  test::OverwriteOpenFile(f, 2048 + 4, {0, 0, 0, 42});
   ReportTable(*f.ctx, TableId::kVtsVobuAdmap);
   EXPECT_EQ(f.lines()[0], "  VOBU 1 starts at sector 42");
 }
@@ -195,14 +172,14 @@ TEST(AdmapReportTest, TitleSetMapIsReadAfreshForEveryReport) {
 TEST(AdmapDisassembleTest, OneKeyPerEntryNumberedFromOne) {
   Fixture f;
   OpenTitleSetWith(f, test::MakeVobuAdmap({0, 30, 0xFFFFFFFF}), kVtsmVobuAdmapSa);
-  EXPECT_EQ(Disassemble(f, TableId::kVtsmVobuAdmap),
+  EXPECT_EQ(test::DisassembleTables(f, {TableId::kVtsmVobuAdmap}),
             "[vtsm_vobu_admap]\r\nvobu_sa0001=0\r\nvobu_sa0002=30\r\nvobu_sa0003=-1\r\n");
 }
 
 TEST(AdmapDisassembleTest, MapWithoutEntriesWritesNoKeysAndReportsNoLines) {
   Fixture f;
   OpenTitleSetWith(f, test::MakeVobuAdmap({}, 3), kVtsVobuAdmapSa);
-  EXPECT_EQ(Disassemble(f, TableId::kVtsVobuAdmap), "");
+  EXPECT_EQ(test::DisassembleTables(f, {TableId::kVtsVobuAdmap}), "");
   ReportTable(*f.ctx, TableId::kVtsVobuAdmap);
   EXPECT_TRUE(f.lines().empty());
   EXPECT_TRUE(f.ui.Messages().empty());
@@ -211,14 +188,15 @@ TEST(AdmapDisassembleTest, MapWithoutEntriesWritesNoKeysAndReportsNoLines) {
 TEST(AdmapDisassembleTest, VideoManagerMapIsWrittenToTheTitleSetMapSection) {
   Fixture f;
   OpenVideoManagerWith(f, test::MakeVobuAdmap({9}));
-  EXPECT_EQ(Disassemble(f, TableId::kVmgmVobuAdmap), "[vts_vobu_admap]\r\nvobu_sa0001=9\r\n");
+  EXPECT_EQ(test::DisassembleTables(f, {TableId::kVmgmVobuAdmap}),
+            "[vts_vobu_admap]\r\nvobu_sa0001=9\r\n");
 }
 
 TEST(AdmapAssembleTest, EntriesAreWrittenAfterTheirEndAddress) {
   Fixture f;
   TableSize size;
   std::vector<std::uint8_t> bytes = test::AssembleTable(
-      *f.ctx, f.dir.path(), TableId::kVtsVobuAdmap,
+      f, TableId::kVtsVobuAdmap,
       "[vts_vobu_admap]\nvobu_sa0001=0\nvobu_sa0002=300\nvobu_sa0004=9\n", &size);
   // Two entries (0003 is missing): end address 4 * 2 + 3 = 11, 12 bytes.
   EXPECT_EQ(size.bytes, 12u);
@@ -231,7 +209,7 @@ TEST(AdmapAssembleTest, EntriesAreWrittenAfterTheirEndAddress) {
 TEST(AdmapAssembleTest, VideoManagerMapIsReadFromTheTitleSetMapSection) {
   Fixture f;
   std::vector<std::uint8_t> bytes =
-      test::AssembleTable(*f.ctx, f.dir.path(), TableId::kVmgmVobuAdmap,
+      test::AssembleTable(f, TableId::kVmgmVobuAdmap,
                           "[vmgm_vobu_admap]\nvobu_sa0001=1\n[vts_vobu_admap]\nvobu_sa0001=2\n");
   EXPECT_EQ(ByteView(bytes).be32(4), 2u);
 }
@@ -241,8 +219,7 @@ TEST(AdmapAssembleTest, AThousandEntriesTakeTwoSectors) {
   std::string source = "[vtsm_vobu_admap]\n";
   for (int i = 1; i <= 1000; ++i) source += Format("vobu_sa%04d=%d\n", {i, i * 3});
   TableSize size;
-  std::vector<std::uint8_t> bytes =
-      test::AssembleTable(*f.ctx, f.dir.path(), TableId::kVtsmVobuAdmap, source, &size);
+  std::vector<std::uint8_t> bytes = test::AssembleTable(f, TableId::kVtsmVobuAdmap, source, &size);
   EXPECT_EQ(size.bytes, 4004u);
   EXPECT_EQ(size.sectors, 2u);
   ASSERT_EQ(bytes.size(), 4096u);
@@ -257,8 +234,7 @@ TEST(AdmapAssembleTest, MapOfExactlyOneSectorGetsNoPadding) {
   std::string source = "[vts_vobu_admap]\n";
   for (int i = 1; i <= 511; ++i) source += Format("vobu_sa%04d=1\n", {i});  // 4 + 2044 bytes
   TableSize size;
-  std::vector<std::uint8_t> bytes =
-      test::AssembleTable(*f.ctx, f.dir.path(), TableId::kVtsVobuAdmap, source, &size);
+  std::vector<std::uint8_t> bytes = test::AssembleTable(f, TableId::kVtsVobuAdmap, source, &size);
   EXPECT_EQ(size.sectors, 1u);
   EXPECT_EQ(bytes.size(), 2048u);
   EXPECT_EQ(ByteView(bytes).be32(0), 2047u);
@@ -269,8 +245,7 @@ TEST(AdmapAssembleTest, OneByteMoreThanASectorIsPaddedToTwo) {
   std::string source = "[vts_vobu_admap]\n";
   for (int i = 1; i <= 512; ++i) source += Format("vobu_sa%04d=1\n", {i});  // 2052 bytes
   TableSize size;
-  std::vector<std::uint8_t> bytes =
-      test::AssembleTable(*f.ctx, f.dir.path(), TableId::kVtsVobuAdmap, source, &size);
+  std::vector<std::uint8_t> bytes = test::AssembleTable(f, TableId::kVtsVobuAdmap, source, &size);
   EXPECT_EQ(size.sectors, 2u);
   EXPECT_EQ(size.bytes, 2052u);
   EXPECT_EQ(bytes.size(), 4096u);
@@ -278,21 +253,16 @@ TEST(AdmapAssembleTest, OneByteMoreThanASectorIsPaddedToTwo) {
 
 TEST(AdmapAssembleTest, EmptySectionGivesNoMapAndStartSectorZero) {
   Fixture f;
-  f.ctx->convert.source_path = f.dir.file("VTS_01_0.INI");
-  test::WriteText(f.ctx->convert.source_path,
+  test::UseSource(f,
                   "[vtsi_mat]\nvts_id=DVDVIDEO-VTS\n[vts_vobu_admap]\n[vtsm_vobu_admap]\n"
-                  "vobu_sa0001=4\n");
+                  "vobu_sa0001=4\n",
+                  "VTS_01_0.INI");
   for (TableId id : {TableId::kVtsVobuAdmap, TableId::kVtsmVobuAdmap}) {
     LoadTableSource(*f.ctx, id);
   }
   EXPECT_EQ(MeasureTable(*f.ctx, TableId::kVtsVobuAdmap).sectors, 0u);
   EXPECT_EQ(MeasureTable(*f.ctx, TableId::kVtsVobuAdmap).bytes, 0u);
-  std::string out_path = f.dir.file("VTS_01_0.IFO");
-  {
-    File out = File::Create(out_path);
-    AssembleTitleSet(*f.ctx, out, out_path);
-  }
-  std::vector<std::uint8_t> bytes = test::ReadFileBytes(out_path);
+  std::vector<std::uint8_t> bytes = test::AssembleTitleSetInto(f, "VTS_01_0.IFO");
   ByteView v(bytes);
   EXPECT_EQ(v.be32(kVtsVobuAdmapSa), 0u);
   EXPECT_EQ(v.be32(kVtsmVobuAdmapSa), 1u);

@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "convert/drivers.h"
-#include "ifo/adt_test_tables.h"
+#include "ifo/ifo_drivers.h"
 #include "ifo/ifo_images.h"
 #include "platform/bytes.h"
 #include "support/test_support.h"
@@ -15,6 +15,7 @@ namespace tarvex {
 namespace {
 
 using test::Fixture;
+using test::HasLine;
 
 constexpr std::size_t kVtsAtrtSa = 208;
 
@@ -50,29 +51,12 @@ std::vector<std::uint8_t> TwoTitleSets() {
 }
 
 void OpenWith(Fixture& f, const std::vector<std::uint8_t>& table) {
-  f.OpenBytes("VIDEO_TS.IFO", test::WithTables(test::MakeVmgImage(), {{kVtsAtrtSa, table}}),
-              kFileIfo);
-  ShowIfoOverview(*f.ctx);
-}
-
-std::string Disassemble(Fixture& f) {
-  f.ctx->convert.source_path = f.dir.file("OUT.INI");
-  DisassembleTable(*f.ctx, TableId::kVmgAtrt);
-  f.ctx->profiles.Flush();
-  return test::ReadFileText(f.ctx->convert.source_path);
-}
-
-bool HasLine(const Fixture& f, const std::string& line) {
-  for (const std::string& l : f.lines()) {
-    if (l == line) return true;
-  }
-  return false;
+  test::OpenIfo(f, "VIDEO_TS.IFO", test::WithTables(test::MakeVmgImage(), {{kVtsAtrtSa, table}}));
 }
 
 TEST(AtrtOpenTest, AbsenceAndHeadingLines) {
   Fixture f;
-  f.OpenBytes("VIDEO_TS.IFO", test::MakeVmgImage(), kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VIDEO_TS.IFO", test::MakeVmgImage());
   EXPECT_TRUE(HasLine(f, "** VMG_ATRT IFO File: There is no Video Title Set Attribute Table."));
   Fixture g;
   OpenWith(g, TwoTitleSets());
@@ -155,7 +139,7 @@ TEST(AtrtReportTest, TitleSetsWhosePointerLiesBeyondTheFileAreNotListed) {
   EXPECT_EQ(f.lines()[0], "Number of Video Title Sets: 65535");
   EXPECT_EQ(f.lines()[11], "  VTS 2 Attribute start byte address 0");
   EXPECT_EQ(f.lines()[19], "    Number of subpicture streams in VTSTT_VOBS: 0");
-  std::string text = Disassemble(f);
+  std::string text = test::DisassembleTables(f, {TableId::kVmgAtrt});
   EXPECT_NE(text.find("vts_atrt_srp002_vts_spst_ns=0"), std::string::npos);
   EXPECT_EQ(text.find("vts_atrt_srp003"), std::string::npos);
 }
@@ -167,12 +151,7 @@ TEST(AtrtReportTest, ReportReadsTheRecordsAfresh) {
   std::vector<std::string> first = f.lines();
   ReportTable(*f.ctx, TableId::kVmgAtrt);
   EXPECT_EQ(f.lines(), first);
-  {
-    File rw = File::OpenReadWrite(f.ctx->open.file_path);
-    rw.Seek(2048 + 16 + 7);  // title set 1's category, last byte
-    const std::uint8_t seven = 7;
-    rw.Write(&seven, 1);
-  }
+  test::OverwriteOpenFile(f, 2048 + 16 + 7, {7});  // title set 1's category, last byte
   ReportTable(*f.ctx, TableId::kVmgAtrt);
   EXPECT_EQ(f.lines()[4], "    VTS_CAT Application type 7");
 }
@@ -196,22 +175,14 @@ const char* const kDisassembled =
 TEST(AtrtDisassembleTest, ThreeMenuAudioStreamsGiveThreeOneByteKeys) {
   Fixture f;
   OpenWith(f, TwoTitleSets());
-  EXPECT_EQ(Disassemble(f), kDisassembled);
-}
-
-std::string Unix(std::string text) {
-  std::string out;
-  for (char c : text) {
-    if (c != '\r') out += c;
-  }
-  return out;
+  EXPECT_EQ(test::DisassembleTables(f, {TableId::kVmgAtrt}), kDisassembled);
 }
 
 TEST(AtrtAssembleTest, TwoTitleSetsAre1568BytesWithRecordsAt16And792) {
   Fixture f;
   TableSize size;
   std::vector<std::uint8_t> bytes =
-      test::AssembleTable(*f.ctx, f.dir.path(), TableId::kVmgAtrt, Unix(kDisassembled), &size);
+      test::AssembleTable(f, TableId::kVmgAtrt, test::WithoutCr(kDisassembled), &size);
   EXPECT_EQ(size.bytes, 1568u);
   EXPECT_EQ(size.sectors, 1u);
   ASSERT_EQ(bytes.size(), 2048u);
@@ -228,12 +199,11 @@ TEST(AtrtAssembleTest, TwoTitleSetsAre1568BytesWithRecordsAt16And792) {
 
 TEST(AtrtAssembleTest, AddressKeysAreComputedNotRead) {
   Fixture f;
-  std::string source = Unix(kDisassembled);
+  std::string source = test::WithoutCr(kDisassembled);
   source.replace(source.find("srp001_vts_atr_sa=16"), 20, "srp001_vts_atr_sa=99");
   source.replace(source.find("srp001_vts_atr_ea=775"), 21, "srp001_vts_atr_ea=99");
   source.replace(source.find("vts_atrt_ea=1567"), 16, "vts_atrt_ea=9");
-  std::vector<std::uint8_t> bytes =
-      test::AssembleTable(*f.ctx, f.dir.path(), TableId::kVmgAtrt, source);
+  std::vector<std::uint8_t> bytes = test::AssembleTable(f, TableId::kVmgAtrt, source);
   ByteView v(bytes);
   EXPECT_EQ(v.be32(4), 1567u);
   EXPECT_EQ(v.be32(8), 16u);
@@ -243,8 +213,8 @@ TEST(AtrtAssembleTest, AddressKeysAreComputedNotRead) {
 TEST(AtrtAssembleTest, MissingCountIsReportedAndNothingIsLoaded) {
   Fixture f;
   TableSize size{1, 1};
-  std::vector<std::uint8_t> bytes = test::AssembleTable(*f.ctx, f.dir.path(), TableId::kVmgAtrt,
-                                                        "[vts_atrt]\nvts_atrt_ea=1567\n", &size);
+  std::vector<std::uint8_t> bytes =
+      test::AssembleTable(f, TableId::kVmgAtrt, "[vts_atrt]\nvts_atrt_ea=1567\n", &size);
   EXPECT_EQ(f.ui.Messages(), (std::vector<std::string>{"Statement missing in vts_atrt!: vts_ns"}));
   EXPECT_EQ(size.bytes, 0u);
   EXPECT_EQ(size.sectors, 0u);
@@ -255,7 +225,7 @@ TEST(AtrtAssembleTest, CountOfZeroIsNothingLoaded) {
   Fixture f;
   TableSize size{1, 1};
   std::vector<std::uint8_t> bytes =
-      test::AssembleTable(*f.ctx, f.dir.path(), TableId::kVmgAtrt, "[vts_atrt]\nvts_ns=0\n", &size);
+      test::AssembleTable(f, TableId::kVmgAtrt, "[vts_atrt]\nvts_ns=0\n", &size);
   EXPECT_EQ(size.bytes, 0u);
   EXPECT_EQ(size.sectors, 0u);
   EXPECT_TRUE(bytes.empty());
@@ -267,8 +237,7 @@ TEST(AtrtAssembleTest, EveryMissingKeyIsReportedAndLoadingGoesOn) {
   std::string source =
       "[vts_atrt]\nvts_ns=1\nvts_atrt_srp001_vtsm_ast_ns=1\n"
       "vts_atrt_srp001_vts_ast_ns=1\nvts_atrt_srp001_vts_ast_atr01=x0102030405060708\n";
-  std::vector<std::uint8_t> bytes =
-      test::AssembleTable(*f.ctx, f.dir.path(), TableId::kVmgAtrt, source);
+  std::vector<std::uint8_t> bytes = test::AssembleTable(f, TableId::kVmgAtrt, source);
   const std::string c = "Statement missing in vts_atrt!: vts_atrt_srp001_";
   EXPECT_EQ(f.ui.Messages(),
             (std::vector<std::string>{c + "vts_cat", c + "vtsm_v_atr", c + "vtsm_ast_atr01",
@@ -287,8 +256,7 @@ TEST(AtrtAssembleTest, MenuStreamByteWithoutXIsReadAsDecimalToo) {
       "vts_atrt_srp001_vtsm_ast_atr02=x300\n"
       "vts_atrt_srp001_vtsm_spst_ns=0\nvts_atrt_srp001_vts_v_atr=x0000\n"
       "vts_atrt_srp001_vts_ast_ns=0\nvts_atrt_srp001_vts_spst_ns=0\n";
-  std::vector<std::uint8_t> bytes =
-      test::AssembleTable(*f.ctx, f.dir.path(), TableId::kVmgAtrt, source);
+  std::vector<std::uint8_t> bytes = test::AssembleTable(f, TableId::kVmgAtrt, source);
   ByteView v(bytes);
   EXPECT_EQ(v.u8(12 + 12), 42u);
   EXPECT_EQ(v.u8(12 + 13), 300u - 256u);  // truncated to the byte

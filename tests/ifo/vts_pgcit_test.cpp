@@ -6,9 +6,9 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
 
 #include "convert/drivers.h"
+#include "ifo/ifo_drivers.h"
 #include "ifo/ifo_images.h"
 #include "ifo/source.h"
 #include "ifo/vtsi_mat.h"
@@ -19,6 +19,8 @@ namespace tarvex {
 namespace {
 
 using test::Fixture;
+using test::HasLine;
+using test::PressDetailsOn;
 
 // One chain: count 1, end address 8 + 8 + 318 - 1 = 333, category 81020304, offset 16.
 std::vector<std::uint8_t> OnePgcTable() {
@@ -34,59 +36,11 @@ std::vector<std::uint8_t> OnePgcTable() {
 }
 
 std::vector<std::uint8_t> VtsWithPgcit(const std::vector<std::uint8_t>& table) {
-  std::vector<std::uint8_t> image = test::MakeVtsImage();
-  test::PlaceTable(image, kVtsPgcitSa, 1, table);
-  return image;
+  return test::WithTableAt(test::MakeVtsImage(), kVtsPgcitSa, 1, table);
 }
 
 void OpenImage(Fixture& f, const std::vector<std::uint8_t>& image) {
-  f.OpenBytes("VTS_01_0.IFO", image, kFileIfo);
-  ShowIfoOverview(*f.ctx);
-}
-
-bool HasLine(const Fixture& f, const std::string& line) {
-  return std::find(f.lines().begin(), f.lines().end(), line) != f.lines().end();
-}
-
-void PressDetailsOn(Fixture& f, const std::string& prefix) {
-  for (std::size_t i = 0; i < f.lines().size(); ++i) {
-    if (f.lines()[i].starts_with(prefix)) {
-      f.ctx->report.Select(i);
-      ShowIfoDetails(*f.ctx);
-      return;
-    }
-  }
-  FAIL() << "no line begins with " << prefix;
-}
-
-std::string Disassembled(Fixture& f) {
-  f.ctx->convert.source_path = f.dir.file("VTS_01_0.INI");
-  DisassembleTable(*f.ctx, TableId::kVtsPgcit);
-  f.ctx->profiles.Flush();
-  return test::ReadFileText(f.ctx->convert.source_path);
-}
-
-void LoadSource(Fixture& f, const std::string& text, const std::string& name = "load.ini") {
-  f.ctx->convert.source_path = f.dir.file(name);
-  test::WriteText(f.ctx->convert.source_path, text);
-  LoadTableSource(*f.ctx, TableId::kVtsPgcit);
-}
-
-std::vector<std::uint8_t> Emitted(Fixture& f, const std::string& name = "out.bin") {
-  std::string path = f.dir.file(name);
-  {
-    File out = File::Create(path);
-    EmitTable(*f.ctx, TableId::kVtsPgcit, out);
-  }
-  return test::ReadFileBytes(path);
-}
-
-std::string WithoutCr(const std::string& text) {
-  std::string out;
-  for (char c : text) {
-    if (c != '\r') out += c;
-  }
-  return out;
+  test::OpenIfo(f, "VTS_01_0.IFO", image);
 }
 
 TEST(VtsPgcitOpenTest, StartSectorZeroGivesOnlyTheAbsenceLine) {
@@ -144,9 +98,7 @@ TEST(VtsPgcitReportTest, TableWithZeroHeaderStillGetsDetailsAndDisassembly) {
   EXPECT_EQ(f.lines(), (std::vector<std::string>{"Number of VTS_PGCI_SRP: 0",
                                                  "End byte address of VTS_PGCI table: 0"}));
   ShowIfoDetails(*f.ctx);  // back to the overview
-  std::string source = f.dir.file("VTS_01_0.INI");
-  f.ui.chooser_answers.push_back(source);
-  DisassembleIfo(*f.ctx);
+  std::string source = test::DisassembleIfoTo(f, "VTS_01_0.INI");
   EXPECT_NE(
       test::ReadFileText(source).find("[vts_pgcit]\r\nvts_pgci_srp_ns=0\r\nvts_pgcit_ea=0\r\n"),
       std::string::npos);
@@ -179,7 +131,7 @@ TEST(VtsPgcitReportTest, PointersAreReadOnlyWhereTheFileHoldsThem) {
 TEST(VtsPgcitDisassembleTest, WritesPointerKeysAndTheChainSection) {
   Fixture f;
   OpenImage(f, VtsWithPgcit(OnePgcTable()));
-  std::string text = Disassembled(f);
+  std::string text = test::DisassembleTables(f, {TableId::kVtsPgcit});
   EXPECT_TRUE(
       text.starts_with("[vts_pgcit]\r\nvts_pgci_srp_ns=1\r\nvts_pgcit_ea=333\r\n"
                        "vts_pgc_cat01=81020304\r\nvts_pgci_sa01=16\r\n\r\n"
@@ -195,7 +147,7 @@ TEST(VtsPgcitDisassembleTest, ReportThenDisassemblyReadTheSameCommandCounts) {
   OpenImage(f, VtsWithPgcit(OnePgcTable()));
   ReportTable(*f.ctx, TableId::kVtsPgcit);
   ReportTable(*f.ctx, TableId::kVtsPgcit);
-  std::string text = Disassembled(f);
+  std::string text = test::DisassembleTables(f, {TableId::kVtsPgcit});
   EXPECT_NE(text.find("vts_pgc_cmdt_pre_ns=1\r\nvts_pgc_cmdt_post_ns=1\r\nvts_pgc_cmdt_cmds_ns=0"),
             std::string::npos);
 }
@@ -203,27 +155,27 @@ TEST(VtsPgcitDisassembleTest, ReportThenDisassemblyReadTheSameCommandCounts) {
 TEST(VtsPgcitAssembleTest, DisassembledTableAssemblesBackToTheSameBytes) {
   Fixture f;
   OpenImage(f, VtsWithPgcit(OnePgcTable()));
-  std::string text = WithoutCr(Disassembled(f));
-  LoadSource(f, text);
+  std::string text = test::WithoutCr(test::DisassembleTables(f, {TableId::kVtsPgcit}));
+  test::LoadSource(f, TableId::kVtsPgcit, text);
   TableSize size = MeasureTable(*f.ctx, TableId::kVtsPgcit);
   EXPECT_EQ(size.bytes, 334u);
   EXPECT_EQ(size.sectors, 1u);
   std::vector<std::uint8_t> expected = OnePgcTable();
   expected.resize(2048, 0);
-  EXPECT_EQ(Emitted(f), expected);
+  EXPECT_EQ(test::EmitInto(f, TableId::kVtsPgcit), expected);
   EXPECT_TRUE(f.ui.Messages().empty());
 }
 
 TEST(VtsPgcitAssembleTest, SourceOffsetsAreIgnoredAndAlwaysRecomputed) {
   Fixture f;
   OpenImage(f, VtsWithPgcit(OnePgcTable()));
-  std::string text = WithoutCr(Disassembled(f));
+  std::string text = test::WithoutCr(test::DisassembleTables(f, {TableId::kVtsPgcit}));
   std::size_t at = text.find("vts_pgci_sa01=16");
   ASSERT_NE(at, std::string::npos);
   text.replace(at, 16, "vts_pgci_sa01=9999");
-  LoadSource(f, text);
+  test::LoadSource(f, TableId::kVtsPgcit, text);
   MeasureTable(*f.ctx, TableId::kVtsPgcit);
-  std::vector<std::uint8_t> out = Emitted(f);
+  std::vector<std::uint8_t> out = test::EmitInto(f, TableId::kVtsPgcit);
   EXPECT_EQ(ByteView(out).be32(12), 16u);
 }
 
@@ -236,7 +188,7 @@ TEST(VtsPgcitAssembleTest, TwoChainsOf300And500BytesArePlacedOneAfterTheOther) {
   TableSize size = MeasureTable(*f.ctx, TableId::kVtsPgcit);
   EXPECT_EQ(size.bytes, 824u);
   EXPECT_EQ(size.sectors, 1u);
-  std::vector<std::uint8_t> out = Emitted(f);
+  std::vector<std::uint8_t> out = test::EmitInto(f, TableId::kVtsPgcit);
   ASSERT_EQ(out.size(), 2048u);
   ByteView v(out);
   EXPECT_EQ(v.be16(0), 2u);
@@ -258,37 +210,37 @@ TEST(VtsPgcitAssembleTest, TwoChainsOf300And500BytesArePlacedOneAfterTheOther) {
 
 TEST(VtsPgcitAssembleTest, MissingCountIsReportedAndNothingIsLoaded) {
   Fixture f;
-  LoadSource(f, "[vts_pgcit]\nvts_pgcit_ea=333\n");
+  test::LoadSource(f, TableId::kVtsPgcit, "[vts_pgcit]\nvts_pgcit_ea=333\n");
   EXPECT_EQ(f.ui.Messages(),
             (std::vector<std::string>{"Statement missing in vts_pgciti: vts_pgci_srp_ns"}));
   TableSize size = MeasureTable(*f.ctx, TableId::kVtsPgcit);
   EXPECT_EQ(size.bytes, 0u);
   EXPECT_EQ(size.sectors, 0u);
-  EXPECT_TRUE(Emitted(f).empty());
+  EXPECT_TRUE(test::EmitInto(f, TableId::kVtsPgcit).empty());
 }
 
 TEST(VtsPgcitAssembleTest, CountZeroLoadsNothingAndTheTableIsLeftOut) {
   Fixture f;
-  LoadSource(f, "[vts_pgcit]\nvts_pgci_srp_ns=0\n");
+  test::LoadSource(f, TableId::kVtsPgcit, "[vts_pgcit]\nvts_pgci_srp_ns=0\n");
   TableSize size = MeasureTable(*f.ctx, TableId::kVtsPgcit);
   EXPECT_EQ(size.bytes, 0u);
   EXPECT_EQ(size.sectors, 0u);
-  EXPECT_TRUE(Emitted(f).empty());
+  EXPECT_TRUE(test::EmitInto(f, TableId::kVtsPgcit).empty());
   EXPECT_TRUE(f.ui.Messages().empty());
 }
 
 TEST(VtsPgcitAssembleTest, MissingCategoryIsReportedAndLeftZero) {
   Fixture f;
   OpenImage(f, VtsWithPgcit(OnePgcTable()));
-  std::string text = WithoutCr(Disassembled(f));
+  std::string text = test::WithoutCr(test::DisassembleTables(f, {TableId::kVtsPgcit}));
   std::size_t at = text.find("vts_pgc_cat01=81020304\n");
   ASSERT_NE(at, std::string::npos);
   text.erase(at, 23);
-  LoadSource(f, text);
+  test::LoadSource(f, TableId::kVtsPgcit, text);
   EXPECT_EQ(f.ui.Messages(),
             (std::vector<std::string>{"Statement missing in vts_pgciti: vts_pgc_cat01"}));
   MeasureTable(*f.ctx, TableId::kVtsPgcit);
-  std::vector<std::uint8_t> out = Emitted(f);
+  std::vector<std::uint8_t> out = test::EmitInto(f, TableId::kVtsPgcit);
   EXPECT_EQ(ByteView(out).be32(8), 0u);
   EXPECT_EQ(ByteView(out).be32(12), 16u);
 }
@@ -296,12 +248,12 @@ TEST(VtsPgcitAssembleTest, MissingCategoryIsReportedAndLeftZero) {
 TEST(VtsPgcitAssembleTest, CategoryIsReadAsAHexNumberWithOrWithoutX) {
   Fixture f;
   OpenImage(f, VtsWithPgcit(OnePgcTable()));
-  std::string text = WithoutCr(Disassembled(f));
+  std::string text = test::WithoutCr(test::DisassembleTables(f, {TableId::kVtsPgcit}));
   std::size_t at = text.find("vts_pgc_cat01=81020304");
   text.replace(at, 22, "vts_pgc_cat01=x8102030A");
-  LoadSource(f, text);
+  test::LoadSource(f, TableId::kVtsPgcit, text);
   MeasureTable(*f.ctx, TableId::kVtsPgcit);
-  EXPECT_EQ(ByteView(Emitted(f)).be32(8), 0x8102030Au);
+  EXPECT_EQ(ByteView(test::EmitInto(f, TableId::kVtsPgcit)).be32(8), 0x8102030Au);
 }
 
 // A title set with a PGCI table at sector 1 and a menu PGCI unit table at sector 2, both in
@@ -327,16 +279,9 @@ TEST(VtsPgcitRoundTripTest, TitleSetWithBothChainTablesAssemblesBackToTheSameTab
   test::PlaceTable(image, kVtsmPgciUtSa, 2, unit_table);
   Fixture f;
   OpenImage(f, image);
-  std::string source = f.dir.file("VTS_01_0.INI");
-  f.ui.chooser_answers.push_back(source);
-  DisassembleIfo(*f.ctx);
-  f.ctx->batch.asm_path = source;
-  f.ctx->batch.obj_path = f.dir.file("new/VTS_01_0.IFO");
-  std::filesystem::create_directory(f.dir.file("new"));
-  AssembleBatch(*f.ctx);
+  std::vector<std::uint8_t> out = test::RoundTripThroughDrivers(f, "VTS_01_0.IFO");
   // The image has no part-of-title search pointer table, so its count is missing.
   EXPECT_EQ(f.ui.Messages(), (std::vector<std::string>{"IFO assembler error!: vts_ttu_ns"}));
-  std::vector<std::uint8_t> out = test::ReadFileBytes(f.ctx->batch.obj_path);
   ASSERT_GE(out.size(), 3u * 2048);
   EXPECT_EQ(ByteView(out).be32(kVtsPgcitSa), 1u);
   EXPECT_EQ(ByteView(out).be32(kVtsmPgciUtSa), 2u);
@@ -346,19 +291,14 @@ TEST(VtsPgcitRoundTripTest, TitleSetWithBothChainTablesAssemblesBackToTheSameTab
 TEST(VtsPgcitRoundTripTest, CountZeroInTheSourceLeavesTheStartSectorZero) {
   Fixture f;
   OpenImage(f, VtsWithPgcit(OnePgcTable()));
-  std::string source = f.dir.file("VTS_01_0.INI");
-  f.ui.chooser_answers.push_back(source);
-  DisassembleIfo(*f.ctx);
-  std::string text = WithoutCr(test::ReadFileText(source));
+  std::string source = test::DisassembleIfoTo(f, "VTS_01_0.INI");
+  std::string text = test::WithoutCr(test::ReadFileText(source));
   std::size_t at = text.find("vts_pgci_srp_ns=1");
   ASSERT_NE(at, std::string::npos);
   text.replace(at, 17, "vts_pgci_srp_ns=0");
-  f.ctx->batch.asm_path = f.dir.file("vts_01_0_edit.ini");
-  test::WriteText(f.ctx->batch.asm_path, text);
-  f.ctx->batch.obj_path = f.dir.file("new/VTS_01_0.IFO");
-  std::filesystem::create_directory(f.dir.file("new"));
-  AssembleBatch(*f.ctx);
-  std::vector<std::uint8_t> out = test::ReadFileBytes(f.ctx->batch.obj_path);
+  test::WriteText(f.dir.file("vts_01_0_edit.ini"), text);
+  std::vector<std::uint8_t> out =
+      test::AssembleBatchInto(f, f.dir.file("vts_01_0_edit.ini"), "VTS_01_0.IFO");
   EXPECT_EQ(ByteView(out).be32(kVtsPgcitSa), 0u);
   EXPECT_EQ(out.size(), 2048u);  // only the information table
 }

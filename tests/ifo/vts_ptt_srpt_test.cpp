@@ -4,11 +4,9 @@
 // (PGCN, a zero byte, PGN).
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
 #include "convert/drivers.h"
+#include "ifo/ifo_drivers.h"
 #include "ifo/ifo_images.h"
-#include "ifo/srpt_images.h"
 #include "ifo/table.h"
 #include "ifo/vtsi_mat.h"
 #include "platform/bytes.h"
@@ -28,9 +26,8 @@ std::vector<std::uint8_t> TwoUnits() {
 }
 
 void OpenVts(Fixture& f, const std::vector<std::uint8_t>& table) {
-  f.OpenBytes("VTS_01_0.IFO", test::WithTableAt(test::MakeVtsImage(), kVtsPttSrptSa, 1, table),
-              kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VTS_01_0.IFO",
+                test::WithTableAt(test::MakeVtsImage(), kVtsPttSrptSa, 1, table));
 }
 
 const std::vector<std::string> kTwoUnitsReport = {
@@ -45,8 +42,7 @@ const std::vector<std::string> kTwoUnitsReport = {
 
 TEST(SrptPartOpenTest, AbsentTableGivesOneLine) {
   Fixture f;
-  f.OpenBytes("VTS_01_0.IFO", test::MakeVtsImage(), kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VTS_01_0.IFO", test::MakeVtsImage());
   EXPECT_EQ(f.lines()[3], "** PTT_SRPTI IFO File: There is no Part of title search pointer table.");
 }
 
@@ -170,12 +166,7 @@ TEST(SrptPartRulesTest, NoEntriesGivesStartSectorZeroInTheTitleSet) {
     f.ctx->profiles.Flush();
     test::WriteText(f.ctx->convert.source_path, base + "\n[vts_ptt_srpt]\nvts_ttu_ns=1\n" + part);
     LoadTableSource(*f.ctx, TableId::kVtsPttSrpt);
-    std::string out_path = f.dir.file("VTS_01_0.IFO");
-    {
-      File out = File::Create(out_path);
-      AssembleTitleSet(*f.ctx, out, out_path);
-    }
-    std::vector<std::uint8_t> bytes = test::ReadFileBytes(out_path);
+    std::vector<std::uint8_t> bytes = test::AssembleTitleSetInto(f, "VTS_01_0.IFO");
     ByteView v(bytes);
     if (*part == '\0') {
       EXPECT_EQ(bytes.size(), 2048u);
@@ -242,8 +233,7 @@ TEST(SrptPartRulesTest, EntriesBeyondTheEndOfTheFileReadZero) {
   std::vector<std::uint8_t> image = test::MakeVtsImage();
   ByteWriter(image).put_be32(kVtsPttSrptSa, 1);
   image.insert(image.end(), table.begin(), table.end());
-  f.OpenBytes("VTS_01_0.IFO", image, kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VTS_01_0.IFO", image);
   EXPECT_EQ(test::DetailsOf(f, "PTT_SRPTI"),
             (std::vector<std::string>{
                 "Number of Title Unit Serch Pointers TTUs in the VTS: 1",
@@ -258,12 +248,7 @@ TEST(SrptPartRulesTest, ReportReadsAfresh) {
   EXPECT_EQ(test::DetailsOf(f, "PTT_SRPTI"), kTwoUnitsReport);
   ReportTable(*f.ctx, TableId::kVtsPttSrpt);
   EXPECT_EQ(f.lines(), kTwoUnitsReport);
-  {
-    File rw = File::OpenReadWrite(f.ctx->open.file_path);
-    rw.Seek(2048 + 27);
-    std::uint8_t seven = 7;
-    rw.Write(&seven, 1);
-  }
+  test::OverwriteOpenFile(f, 2048 + 27, {7});
   ReportTable(*f.ctx, TableId::kVtsPttSrpt);
   EXPECT_EQ(f.lines()[6], "    Program chain number (PGCN): 2 Program number (PG): 7");
 }
@@ -277,9 +262,7 @@ TEST(SrptPartRulesTest, ZeroHeaderStillHasDetailsAndDisassembly) {
                                       "End byte address of PTT_SRPT table: 0"}));
   f.ctx->stream.details_mode = 0;
   ShowIfoOverview(*f.ctx);
-  std::string source = f.dir.file("VTS_01_0.INI");
-  f.ui.chooser_answers.push_back(source);
-  DisassembleIfo(*f.ctx);
+  std::string source = test::DisassembleIfoTo(f, "VTS_01_0.INI");
   EXPECT_EQ(test::SectionLines(test::ReadFileText(source), "vts_ptt_srpt"),
             (std::vector<std::string>{"vts_ttu_ns=0", "vts_ptt_srpt_ea=0"}));
 }
@@ -289,15 +272,7 @@ TEST(SrptPartRulesTest, ZeroHeaderStillHasDetailsAndDisassembly) {
 TEST(SrptPartRoundTripTest, DriversRebuildTheTable) {
   Fixture f;
   OpenVts(f, TwoUnits());
-  std::string source = f.dir.file("VTS_01_0.INI");
-  f.ui.chooser_answers.push_back(source);
-  DisassembleIfo(*f.ctx);
-  std::string out_dir = f.dir.file("out");
-  std::filesystem::create_directory(out_dir);
-  f.ctx->batch.asm_path = source;
-  f.ctx->batch.obj_path = out_dir + "/VTS_01_0.IFO";
-  AssembleBatch(*f.ctx);
-  std::vector<std::uint8_t> out = test::ReadFileBytes(out_dir + "/VTS_01_0.IFO");
+  std::vector<std::uint8_t> out = test::RoundTripThroughDrivers(f, "VTS_01_0.IFO");
   ASSERT_EQ(out.size(), 2u * 2048);
   ByteView v(out);
   EXPECT_EQ(v.be32(kVtsPttSrptSa), 1u);

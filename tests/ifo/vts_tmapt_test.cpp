@@ -4,11 +4,9 @@
 // entry count) and 4-byte entries (bit 31 discontinuity, bits 30-0 sector address).
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
 #include "convert/drivers.h"
+#include "ifo/ifo_drivers.h"
 #include "ifo/ifo_images.h"
-#include "ifo/srpt_images.h"
 #include "ifo/table.h"
 #include "ifo/vtsi_mat.h"
 #include "platform/bytes.h"
@@ -29,9 +27,7 @@ std::vector<std::uint8_t> TwoMaps() {
 }
 
 void OpenVts(Fixture& f, const std::vector<std::uint8_t>& table) {
-  f.OpenBytes("VTS_01_0.IFO", test::WithTableAt(test::MakeVtsImage(), kVtsTmaptSa, 1, table),
-              kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VTS_01_0.IFO", test::WithTableAt(test::MakeVtsImage(), kVtsTmaptSa, 1, table));
 }
 
 const std::vector<std::string> kTwoMapsReport = {
@@ -63,8 +59,7 @@ std::vector<std::uint8_t> Padded(std::vector<std::uint8_t> bytes) {
 
 TEST(TmaptOpenTest, AbsentTableGivesOneLineWithoutFullStop) {
   Fixture f;
-  f.OpenBytes("VTS_01_0.IFO", test::MakeVtsImage(), kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VTS_01_0.IFO", test::MakeVtsImage());
   // After the information table's three lines and the absence lines of the part-of-title,
   // title chain, menu unit and language unit tables.
   ASSERT_GT(f.lines().size(), 7u);
@@ -176,12 +171,7 @@ TEST(TmaptAssembleTest, MissingCountGivesStartSectorZeroInTheTitleSet) {
                   test::ReadFileText(f.ctx->convert.source_path) +
                       "\n[vts_tmapti]\nvts_tmap01_tmu=1\nvts_tmap01_map_en_ns=0\n");
   LoadTableSource(*f.ctx, TableId::kVtsTmapt);
-  std::string out_path = f.dir.file("VTS_01_0.IFO");
-  {
-    File out = File::Create(out_path);
-    AssembleTitleSet(*f.ctx, out, out_path);
-  }
-  std::vector<std::uint8_t> bytes = test::ReadFileBytes(out_path);
+  std::vector<std::uint8_t> bytes = test::AssembleTitleSetInto(f, "VTS_01_0.IFO");
   EXPECT_EQ(bytes.size(), 2048u);
   EXPECT_EQ(ByteView(bytes).be32(kVtsTmaptSa), 0u);
 }
@@ -281,8 +271,7 @@ TEST(TmaptRulesTest, HostileCountsAreBoundedByTheFileLength) {
   std::vector<std::uint8_t> image = test::MakeVtsImage();
   ByteWriter(image).put_be32(kVtsTmaptSa, 1);
   image.insert(image.end(), table.begin(), table.end());
-  f.OpenBytes("VTS_01_0.IFO", image, kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VTS_01_0.IFO", image);
   std::vector<std::string> lines = test::DetailsOf(f, "VTS_TMAPT");
   // 16 pointers begin inside the file: 16 maps of 8 declared entries each, whose entries
   // (body positions 4 .. 32) all lie inside it; all maps together are bounded by the 16 4-byte
@@ -305,8 +294,7 @@ TEST(TmaptRulesTest, EntriesBeyondTheEndOfTheFileReadZero) {
   std::vector<std::uint8_t> image = test::MakeVtsImage();
   ByteWriter(image).put_be32(kVtsTmaptSa, 1);
   image.insert(image.end(), table.begin(), table.end());
-  f.OpenBytes("VTS_01_0.IFO", image, kFileIfo);
-  ShowIfoOverview(*f.ctx);
+  test::OpenIfo(f, "VTS_01_0.IFO", image);
   EXPECT_EQ(test::DetailsOf(f, "VTS_TMAPT"),
             (std::vector<std::string>{
                 "Number of VTS_TMAPS: 1", "End byte address of VTS_TMAPT_EA table: 27",
@@ -324,12 +312,7 @@ TEST(TmaptRulesTest, ReportReadsAfresh) {
   EXPECT_EQ(test::DetailsOf(f, "VTS_TMAPT"), kTwoMapsReport);
   ReportTable(*f.ctx, TableId::kVtsTmapt);
   EXPECT_EQ(f.lines(), kTwoMapsReport);
-  {
-    File rw = File::OpenReadWrite(f.ctx->open.file_path);
-    rw.Seek(2048 + 20);  // map 1 entry 1: set bit 31
-    std::uint8_t flag = 0x80;
-    rw.Write(&flag, 1);
-  }
+  test::OverwriteOpenFile(f, 2048 + 20, {0x80});  // map 1 entry 1: set bit 31
   ReportTable(*f.ctx, TableId::kVtsTmapt);
   EXPECT_EQ(f.lines()[4], "    Discontinuity Entry 1 at sector address 100");
 }
@@ -343,9 +326,7 @@ TEST(TmaptRulesTest, ZeroHeaderStillHasDetailsAndDisassembly) {
                                       "End byte address of VTS_TMAPT_EA table: 0"}));
   f.ctx->stream.details_mode = 0;
   ShowIfoOverview(*f.ctx);
-  std::string source = f.dir.file("VTS_01_0.INI");
-  f.ui.chooser_answers.push_back(source);
-  DisassembleIfo(*f.ctx);
+  std::string source = test::DisassembleIfoTo(f, "VTS_01_0.INI");
   EXPECT_EQ(test::SectionLines(test::ReadFileText(source), "vts_tmapt"),
             (std::vector<std::string>{"vts_tmap_ns=0", "vts_tmapt_ea=0"}));
 }
@@ -355,20 +336,12 @@ TEST(TmaptRulesTest, ZeroHeaderStillHasDetailsAndDisassembly) {
 TEST(TmaptRoundTripTest, DriversGiveTheTableBack) {
   Fixture f;
   OpenVts(f, TwoMaps());
-  std::string source = f.dir.file("VTS_01_0.INI");
-  f.ui.chooser_answers.push_back(source);
-  DisassembleIfo(*f.ctx);
-  std::string out_dir = f.dir.file("out");
-  std::filesystem::create_directory(out_dir);
-  f.ctx->batch.asm_path = source;
-  f.ctx->batch.obj_path = out_dir + "/VTS_01_0.IFO";
-  AssembleBatch(*f.ctx);
+  std::vector<std::uint8_t> out = test::RoundTripThroughDrivers(f, "VTS_01_0.IFO");
   // The image has neither a title chain table nor a part-of-title search pointer table, so
   // their counts are missing from the source; their two messages are the only ones.
   EXPECT_EQ(f.ui.Messages(),
             (std::vector<std::string>{"Statement missing in vts_pgciti: vts_pgci_srp_ns",
                                       "IFO assembler error!: vts_ttu_ns"}));
-  std::vector<std::uint8_t> out = test::ReadFileBytes(out_dir + "/VTS_01_0.IFO");
   ASSERT_EQ(out.size(), 2u * 2048);
   EXPECT_EQ(ByteView(out).be32(kVtsTmaptSa), 1u);
   EXPECT_EQ(std::vector<std::uint8_t>(out.begin() + 2048, out.end()), Padded(TwoMaps()));

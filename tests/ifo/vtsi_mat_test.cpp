@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "ifo/ifo_drivers.h"
 #include "ifo/ifo_images.h"
 #include "platform/bytes.h"
 #include "platform/format.h"
@@ -131,8 +132,7 @@ TEST(VtsiMatDisassembleTest, WritesSectionVtsiMatIntoAFreshSource) {
   Fixture f;
   f.OpenBytes("VTS_01_0.IFO", test::MakeVtsImage(), kFileIfo);
   OpenTitleSet(*f.ctx, f.ctx->open.file_handle);
-  f.ctx->convert.source_path = f.dir.file("VTS_01_0.INI");
-  test::WriteText(f.ctx->convert.source_path, "[old]\nkey=1\n");
+  test::UseSource(f, "[old]\nkey=1\n", "VTS_01_0.INI");
   DisassembleTitleSet(*f.ctx);
   f.ctx->profiles.Flush();
   EXPECT_EQ(test::ReadFileText(f.ctx->convert.source_path), ExpectedSource());
@@ -144,23 +144,13 @@ struct Assembled {
 };
 
 std::string VtsSource() {
-  std::string s = ExpectedSource();
-  std::string out;
-  for (char c : s) {
-    if (c != '\r') out += c;
-  }
-  return out;
+  return test::WithoutCr(ExpectedSource());
 }
 
 Assembled Assemble(Fixture& f, const std::string& source) {
-  f.ctx->convert.source_path = f.dir.file("VTS_01_0.INI");
-  test::WriteText(f.ctx->convert.source_path, source);
-  std::string out_path = f.dir.file("VTS_01_0.IFO");
-  {
-    File out = File::Create(out_path);
-    AssembleTitleSet(*f.ctx, out, out_path);
-  }
-  return {test::ReadFileBytes(out_path), f.ui.Messages()};
+  test::UseSource(f, source, "VTS_01_0.INI");
+  std::vector<std::uint8_t> bytes = test::AssembleTitleSetInto(f, "VTS_01_0.IFO");
+  return {bytes, f.ui.Messages()};
 }
 
 TEST(VtsiMatAssembleTest, DisassembledRecordAssemblesBackWithComputedAddresses) {
