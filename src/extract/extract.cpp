@@ -183,6 +183,8 @@ void ExtractAudio(AppContext& ctx) {
         cursor.Off();
         return;
       }
+      // Making the file may have dropped the reader's window: take the record again.
+      record = reader.view();
       if (type == kSectorLpcm) {
         slot.count = 0;
         slot.wav = true;
@@ -356,6 +358,7 @@ void ExtractSubPictures(AppContext& ctx) {
         cursor.Off();
         return false;
       }
+      record = reader.view();  // making the file may have dropped the reader's window
     }
     WriteBytes(out, record, payload.start, payload.length);
     written = true;

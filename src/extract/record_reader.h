@@ -41,7 +41,9 @@ class RecordReader {
   // The file position after the last read, in bytes.
   std::int64_t position() const { return position_; }
   // Forgets every byte read ahead of position(): the next record is read from the file as
-  // it is then (for instance after an output file of the same name truncated it).
+  // it is then (for instance after an output file of the same name truncated it). The current
+  // record is kept in the reader's own buffer; views taken before this call are no longer
+  // valid, so take view() again.
   void DropReadAhead();
   // Moves the file to position() now and leaves it alone afterwards (for a caller that is
   // about to read the file itself, such as the error dump).

@@ -341,6 +341,28 @@ TEST(ExtractAudioTest, ChoosingTheStreamItselfTruncatesItAndEndsTheWalk) {
   EXPECT_TRUE(run.ctx.report.empty());
 }
 
+TEST(ExtractAudioTest, ChoosingTheStreamItselfForLpcmWritesTheHeaderOfTheRecordRead) {
+  Record a = LpcmPack(0xA0, 0x01, 1);
+  std::vector<Record> records(3000, Ac3Pack(0x81, 2));  // more than one read-ahead window
+  records.insert(records.begin(), a);
+  // The WAV header a plain run writes for this record (its lengths are patched at the end).
+  AudioRun plain;
+  plain.Open({a});
+  ExtractAudio(plain.ctx);
+  Bytes expected = ReadFileBytes(plain.out("audio00.WAV"));
+  // The same record, with the chooser answered by the open stream's own path: the file is
+  // truncated when made, and the header still comes from the record as it was read.
+  AudioRun run;
+  run.Open(records);
+  run.ui.same_as_input = run.fx.dir.file("in.vob");
+  ExtractAudio(run.ctx);
+  Bytes written = ReadFileBytes(run.fx.dir.file("in.vob"));
+  ASSERT_GE(written.size(), 44u);
+  ASSERT_GE(expected.size(), 44u);
+  EXPECT_EQ(Slice(written, 0, 4), Slice(expected, 0, 4));    // "RIFF"
+  EXPECT_EQ(Slice(written, 8, 40), Slice(expected, 8, 40));  // "WAVEfmt " .. "data"
+}
+
 TEST(ExtractAudioTest, StreamNumberIsLeftByTheLastClassification) {
   AudioRun run;
   run.Open({Ac3Pack(0x82, 1), VideoPack(2)});

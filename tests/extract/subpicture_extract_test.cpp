@@ -39,6 +39,23 @@ TEST(ExtractSubPicturesTest, ThreeUnitsGiveThreeNumberedFiles) {
   EXPECT_EQ(choosers[0].flags, 0x1004u);
 }
 
+TEST(ExtractSubPicturesTest, NumberedFileThatIsTheStreamItselfGetsTheUnitRead) {
+  SupRun run;
+  Record u1 = SubPicturePack(0x20, true, 1), u2 = SubPicturePack(0x20, true, 2);
+  std::vector<Record> records = {u1, u2};
+  records.insert(records.end(), 3000, VideoPack(3));  // more than one read-ahead window
+  run.Open(records);
+  // The second numbered file is another name of the open stream: making it truncates the
+  // stream under the walk, and the unit whose PTS opened it is still written from the record
+  // as it was read; then the walk finds nothing more.
+  std::filesystem::create_hard_link(run.fx.dir.file("in.vob"), run.out("x000002.sup"));
+  run.Answer("x.SUP");
+  ExtractSubPictures(*run.fx.ctx);
+  EXPECT_EQ(run.file("x000001.SUP"), Slice(u1, 29));
+  EXPECT_EQ(run.file("x000002.sup"), Slice(u2, 29));
+  EXPECT_EQ(ReadFileBytes(run.fx.dir.file("in.vob")), Slice(u2, 29));
+}
+
 TEST(ExtractSubPicturesTest, FirstPackWithoutPtsGoesToFileOneAndNextPtsOpensFileTwo) {
   SupRun run;
   Record cut = SubPicturePack(0x20, false, 1), u = SubPicturePack(0x20, true, 2);
