@@ -107,6 +107,7 @@ MainWindow::~MainWindow() {
 
 void MainWindow::BuildMenus() {
   auto* bar = new QMenuBar(this);
+  bar->setObjectName(QStringLiteral("COMMANDS"));  // the window's menu resource
   auto add = [this](QMenu* menu, const char* text, int id) {
     QAction* action = menu->addAction(QString::fromLatin1(text));
     action->setProperty("commandId", id);

@@ -94,6 +94,7 @@ TEST_F(MainWindowTest, TitleButtonsAndMenusAreThoseOfTheOriginalWindow) {
   }
   auto* bar = window_.findChild<QMenuBar*>();
   ASSERT_NE(bar, nullptr);
+  EXPECT_EQ(bar->objectName(), QStringLiteral("COMMANDS"));
   ASSERT_EQ(bar->actions().size(), 2);
   EXPECT_EQ(bar->actions()[0]->text(), QStringLiteral("&File"));
   EXPECT_EQ(bar->actions()[1]->text(), QStringLiteral("Help"));
