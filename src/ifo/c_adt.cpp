@@ -154,8 +154,7 @@ void Load(AppContext& ctx, const CAdtVariant& v) {
     for (std::uint32_t cell = 1; cell <= kMaxCellsPerVob; ++cell) {
       std::string key = Format("c_%03d_vob%03d_vts_vob_idn", {cell, vob});
       if (!ReadSourceValue(ctx, v.section, key, value)) break;
-      std::array<std::uint8_t, 12>& entry = s.cells.emplace_back();
-      entry.fill(0);
+      std::array<std::uint8_t, 12>& entry = s.cells.emplace_back();  // zeroed
       ByteWriter(entry).put_be16(0, ParseDecimal(value));
       if (!LoadCellFields(ctx, v, cell, vob, entry)) break;
     }

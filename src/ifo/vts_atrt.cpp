@@ -157,10 +157,9 @@ void Load(AppContext& ctx) {
     return;
   }
   std::uint16_t count = static_cast<std::uint16_t>(ParseDecimal(value));
-  records.resize(count);
+  records.resize(count);  // zeroed: the records were cleared above
   for (std::uint32_t i = 0; i < count; ++i) {
     std::array<std::uint8_t, 776>& record = records[i];
-    record.fill(0);
     LoadFields(ctx, ByteWriter(record), ByteView(record.data(), record.size()), kRecord, kSection,
                kMissingCaption, RecordPrefix(i + 1));
   }
