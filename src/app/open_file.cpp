@@ -137,9 +137,7 @@ void open_selected_file(AppContext& ctx, std::optional<std::int32_t> forced_type
       // Open and current, but nothing is listed and record_count keeps its value.
       break;
     case kFileIfo:
-      ctx.ClearReportList();
-      open.file_handle.Seek(0);
-      ShowIfoOverview(ctx);
+      ShowIfoOverview(ctx);  // clears the list and reads from the start
       ctx.stream.scroll_range = open.record_count;
       open.page_end = PAGE_RECORDS;
       open.scroll_page = 16;

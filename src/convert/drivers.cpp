@@ -111,9 +111,8 @@ void ShowIfoOverview(AppContext& ctx) {
   File& ifo = ctx.open.file_handle;
   ifo.Seek(0);
   ctx.ClearReportList();
-  std::vector<std::uint8_t> first = ReadFileBlock(ifo, 0, kSectorSize);
-  bool title_set = ByteView(first).cstr(0, 12) == "DVDVIDEO-VTS";
-  OpenTable(ctx, title_set ? TableId::kVtsiMat : TableId::kVmgiMat, ifo);
+  // The title set reading checks the identifier and hands anything else to the video manager.
+  OpenTable(ctx, TableId::kVtsiMat, ifo);
 }
 
 void ShowIfoDetails(AppContext& ctx) {
