@@ -27,13 +27,7 @@ void LeaveDetails(AppContext& ctx) {
   ctx.stream.details_mode = 0;
   OpenFileState& open = ctx.open;
   if (open.file_type == kFileVob) {
-    if (open.page_end < PAGE_RECORDS) {
-      open.page_end = PAGE_RECORDS;
-      list_page(ctx, 0, PAGE_RECORDS);
-    } else {
-      open.page_end += 1;
-      list_page(ctx, open.page_end - PAGE_RECORDS, open.page_end);
-    }
+    ListPageAfterView(ctx);
   } else if (open.file_type == kFileIfo) {
     open.page_end = 0;
     ShowIfoOverview(ctx);

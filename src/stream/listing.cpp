@@ -305,19 +305,23 @@ void ScrollEnded(AppContext& ctx) {
   list_page(ctx, open.page_end - PAGE_RECORDS, open.page_end);
 }
 
+void ListPageAfterView(AppContext& ctx) {
+  OpenFileState& open = ctx.open;
+  if (open.page_end >= PAGE_RECORDS) {
+    open.page_end += 1;
+    list_page(ctx, open.page_end - PAGE_RECORDS, open.page_end);
+  } else {
+    open.page_end = PAGE_RECORDS;
+    list_page(ctx, 0, PAGE_RECORDS);
+  }
+}
+
 void SelectRecordForHex(AppContext& ctx) {
   OpenFileState& open = ctx.open;
   if (ctx.stream.details_mode == 1) return;
   if (ctx.stream.hex_mode != 0) {
     ctx.stream.hex_mode = 0;
-    if (open.file_type != kFileVob) return;
-    if (open.page_end >= PAGE_RECORDS) {
-      open.page_end += 1;
-      list_page(ctx, open.page_end - PAGE_RECORDS, open.page_end);
-    } else {
-      open.page_end = PAGE_RECORDS;
-      list_page(ctx, 0, PAGE_RECORDS);
-    }
+    if (open.file_type == kFileVob) ListPageAfterView(ctx);
     return;
   }
   std::optional<std::string> text = ctx.report.SelectedText();

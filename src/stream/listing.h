@@ -18,6 +18,10 @@ void ScrollPageUp(AppContext& ctx, std::int32_t current_position);
 void ScrollThumbReleased(AppContext& ctx, std::int32_t position);
 void ScrollEnded(AppContext& ctx);
 
+// Back from a record view (hex or details) to the listing: the page ending one record after
+// the viewed one, or the first page while page_end is below 16.
+void ListPageAfterView(AppContext& ctx);
+
 // The HEX command: toggles between the page and the hex view of the selected record.
 void SelectRecordForHex(AppContext& ctx);
 
