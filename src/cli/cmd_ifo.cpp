@@ -20,14 +20,6 @@ struct IfoArgs {
   bool has_prefix = false;
 };
 
-// FILE with its extension (the text after the last '.' of its name) replaced by "INI".
-std::string DefaultSourcePath(const std::string& file) {
-  std::size_t sep = LastSeparator(file);
-  std::size_t dot = file.rfind('.');
-  if (dot == std::string::npos || (sep != std::string::npos && dot < sep)) return file + ".INI";
-  return file.substr(0, dot + 1) + "INI";
-}
-
 void RunIfo(Session& session, const IfoArgs& args) {
   AppContext& ctx = session.ctx;
   // The file is an IFO whatever its name: no type message, and the overview is its first page.
@@ -53,7 +45,7 @@ void RunDisasm(Session& session, const IfoArgs& args) {
     PrintReport(ctx);
     return;
   }
-  std::string source = args.source.empty() ? DefaultSourcePath(args.file) : args.source;
+  std::string source = args.source.empty() ? ReplaceExtension(args.file, "INI") : args.source;
   session.choosers[ChooserPurpose::kDisassemblySource] =
       [source](const ChooserRequest&) -> std::optional<std::string> { return source; };
   DisassembleIfo(ctx);

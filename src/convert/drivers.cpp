@@ -59,16 +59,6 @@ const HeadingPrefix* MatchHeading(std::string_view line, bool disassembly) {
   return nullptr;
 }
 
-// The path with its extension (the text after the last '.' of the name) replaced.
-std::string ReplaceExtension(const std::string& path, std::string_view extension) {
-  std::size_t sep = LastSeparator(path);
-  std::size_t dot = path.rfind('.');
-  if (dot == std::string::npos || (sep != std::string::npos && dot < sep)) {
-    return path + "." + std::string(extension);
-  }
-  return path.substr(0, dot + 1) + std::string(extension);
-}
-
 // Steps shared by both assembly drivers: create the output, decide the kind from the source's
 // name, load every table and run the information table's assembly. Returns false after a
 // creation failure.

@@ -308,9 +308,9 @@ void AssembleVideoManager(AppContext& ctx, File& out, const std::string& output_
   std::string menu_vob =
       output_path.substr(0, output_path.size() - std::min<std::size_t>(3, output_path.size())) +
       "vob";
-  std::string found = FindFileIgnoringCase(menu_vob);
+  std::string found = FindExistingFileIgnoringCase(menu_vob);
   std::uint32_t menu_sectors = 0;
-  if (!found.empty() && File::Exists(found)) {
+  if (!found.empty()) {
     File vob = File::OpenRead(found);
     menu_sectors = SectorsFor(static_cast<std::uint32_t>(std::max<std::int64_t>(vob.Length(), 0)));
   } else {

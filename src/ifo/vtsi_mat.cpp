@@ -188,12 +188,6 @@ bool ExceedsTitleSetLimit(std::uint64_t total_bytes) {
   return total_bytes > 8000000000ull;
 }
 
-// The file the system builds the name of, found without regard to case; empty when none.
-std::string FindBeside(const std::string& built_path) {
-  std::string found = FindFileIgnoringCase(built_path);
-  return !found.empty() && File::Exists(found) ? found : std::string();
-}
-
 }  // namespace
 
 const TableModule kVtsiMatModule = {
@@ -299,7 +293,7 @@ void AssembleTitleSet(AppContext& ctx, File& out, const std::string& output_path
 
   std::uint32_t counter = vtsi_ea + 1;
   std::string menu_vob = dir + Format("vts_%02d_0.vob", {title_set});
-  std::string found = FindBeside(menu_vob);
+  std::string found = FindExistingFileIgnoringCase(menu_vob);
   if (!found.empty()) {
     w.put_be32(0x0C0, counter);
     std::uint32_t length = 0;
@@ -311,7 +305,7 @@ void AssembleTitleSet(AppContext& ctx, File& out, const std::string& output_path
   std::uint32_t total = 0;  // kept in 32 bits, as the size check below expects
   for (std::uint32_t part = 1; part <= 9; ++part) {
     std::string title_vob = dir + Format("vts_%02d_%d.vob", {title_set, part});
-    std::string title_found = FindBeside(title_vob);
+    std::string title_found = FindExistingFileIgnoringCase(title_vob);
     if (title_found.empty()) break;
     std::uint32_t length = 0;
     if (!CheckVobFile(ctx, title_vob, title_found, kTitleVobLimit, length)) return;

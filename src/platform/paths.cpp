@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "platform/ascii.h"
+#include "platform/file_io.h"
 
 namespace tarvex {
 
@@ -77,6 +78,20 @@ std::string FindFileIgnoringCase(const std::string& path) {
   std::sort(matches.begin(), matches.end());
   std::string prefix = sep == std::string::npos ? std::string() : path.substr(0, sep + 1);
   return prefix + matches.front();
+}
+
+std::string FindExistingFileIgnoringCase(const std::string& path) {
+  std::string found = FindFileIgnoringCase(path);
+  return !found.empty() && File::Exists(found) ? found : std::string();
+}
+
+std::string ReplaceExtension(const std::string& path, std::string_view extension) {
+  std::size_t sep = LastSeparator(path);
+  std::size_t dot = path.rfind('.');
+  if (dot == std::string::npos || (sep != std::string::npos && dot < sep)) {
+    return path + "." + std::string(extension);
+  }
+  return path.substr(0, dot + 1) + std::string(extension);
 }
 
 }  // namespace tarvex

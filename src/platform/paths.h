@@ -27,5 +27,10 @@ std::string NamePart(std::string_view path);
 // the exact name when it exists, otherwise the first file of that folder whose name matches
 // without regard to case, in name order; empty when none.
 std::string FindFileIgnoringCase(const std::string& path);
+// The same, but empty unless the file found can be accessed.
+std::string FindExistingFileIgnoringCase(const std::string& path);
+// The path with its extension (the text after the last '.' of its name) replaced, or the
+// extension appended after a '.' when the name has none.
+std::string ReplaceExtension(const std::string& path, std::string_view extension);
 
 }  // namespace tarvex

@@ -130,5 +130,20 @@ TEST(PathsTest, HomeDirectoryFallsBackToRoot) {
   }
 }
 
+TEST(PathsTest, ReplaceExtensionReplacesTheTextAfterTheLastDotOfTheName) {
+  EXPECT_EQ(ReplaceExtension("/d/VTS_01_0.IFO", "INI"), "/d/VTS_01_0.INI");
+  EXPECT_EQ(ReplaceExtension("/d/a.b.c", "IFO"), "/d/a.b.IFO");
+  // A dot in a folder name is not an extension: one is appended.
+  EXPECT_EQ(ReplaceExtension("/d.x/name", "INI"), "/d.x/name.INI");
+  EXPECT_EQ(ReplaceExtension("name", "INI"), "name.INI");
+}
+
+TEST(PathsTest, FindExistingFileIgnoringCaseNeedsTheFileToBeThere) {
+  test::TempDir dir;
+  test::WriteFileBytes(dir.file("VTS_01_1.VOB"), {1});
+  EXPECT_EQ(FindExistingFileIgnoringCase(dir.file("vts_01_1.vob")), dir.file("VTS_01_1.VOB"));
+  EXPECT_EQ(FindExistingFileIgnoringCase(dir.file("vts_01_2.vob")), "");
+}
+
 }  // namespace
 }  // namespace tarvex
