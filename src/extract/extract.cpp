@@ -3,6 +3,7 @@
 #include <array>
 #include <cstring>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
 
@@ -133,19 +134,58 @@ std::array<std::uint8_t, 44> WavHeader(const LpcmParameters& lpcm) {
 // Big-endian LPCM samples to little-endian: bytes 0 and 1, 2 and 3, ... of the payload are
 // swapped in the record itself. With an odd length the last byte pairs with the byte after
 // the payload; a partner outside the record reads as 0 and is not written.
-void SwapPairs(std::span<std::uint8_t> record, ByteRange range) {
-  if (range.offset >= record.size()) return;
-  std::uint8_t* p = record.data() + range.offset;
-  std::size_t available = record.size() - range.offset;  // bytes from the payload to the end
-  std::size_t n = range.size < available ? range.size : available;
-  std::size_t whole = n + (n & 1) <= available ? n + (n & 1) : n - (n & 1);  // pairs inside
-  for (std::size_t i = 0; i < whole; i += 2) {
-    std::uint16_t pair;
-    std::memcpy(&pair, p + i, 2);
-    pair = static_cast<std::uint16_t>((pair << 8) | (pair >> 8));
-    std::memcpy(p + i, &pair, 2);
+struct SwapPlan {
+  std::size_t size = 0;    // payload bytes inside the record
+  std::size_t whole = 0;   // bytes that swap with a partner inside the record
+  bool zero_last = false;  // the last byte's partner lies outside the record: it becomes 0
+};
+
+SwapPlan PlanSwap(std::size_t record_size, std::size_t offset, std::size_t size) {
+  if (offset >= record_size) return {};
+  std::size_t available = record_size - offset;  // bytes from the payload to the end
+  std::size_t n = size < available ? size : available;
+  std::size_t whole = n + (n & 1) <= available ? n + (n & 1) : n - (n & 1);
+  return {n, whole, whole < n};
+}
+
+// Swaps the first `whole` bytes of from pairwise into to (which may be from itself).
+void SwapPairsInto(const std::uint8_t* from, std::uint8_t* to, std::size_t whole) {
+  std::size_t i = 0;
+  for (; i + 8 <= whole; i += 8) {
+    std::uint64_t v;
+    std::memcpy(&v, from + i, 8);
+    v = ((v & 0x00FF00FF00FF00FFull) << 8) | ((v >> 8) & 0x00FF00FF00FF00FFull);
+    std::memcpy(to + i, &v, 8);
   }
-  if (whole < n) p[n - 1] = 0;  // its partner lies outside the record
+  for (; i < whole; i += 2) {
+    std::uint8_t first = from[i];
+    to[i] = from[i + 1];
+    to[i + 1] = first;
+  }
+}
+
+// The swap made in the record itself.
+void SwapPairsInPlace(std::span<std::uint8_t> record, std::size_t offset, std::size_t size) {
+  SwapPlan plan = PlanSwap(record.size(), offset, size);
+  SwapPairsInto(record.data() + offset, record.data() + offset, plan.whole);
+  if (plan.zero_last) record[offset + plan.size - 1] = 0;
+}
+
+// Writes the payload as the swap leaves it straight from the record into the file; the record
+// itself is changed only when a short read can still show it.
+void WriteSwapped(OutputFile& file, RecordReader& reader, ByteRange range) {
+  ByteView record = reader.view();
+  SwapPlan plan = PlanSwap(record.size(), range.offset, range.size);
+  if (plan.size == 0) return;
+  std::uint8_t* out = file.Extend(plan.size);
+  const std::uint8_t* in = record.data() + range.offset;
+  // With an odd length whose partner lies inside the record, the last pair reaches one byte
+  // past the payload: only its first byte (the byte after the payload) is written.
+  std::size_t direct = plan.whole > plan.size ? plan.whole - 2 : plan.whole;
+  SwapPairsInto(in, out, direct);
+  if (direct < plan.whole) out[direct] = in[direct + 1];
+  if (plan.zero_last) out[plan.size - 1] = 0;
+  reader.ChangeWhenKept(SwapPairsInPlace, range.offset, range.size);
 }
 
 }  // namespace
@@ -194,9 +234,12 @@ void ExtractAudio(AppContext& ctx) {
       }
     }
     ByteRange range = PayloadBytes(record.size(), payload.start, payload.length);
-    if (type == kSectorLpcm) SwapPairs(reader.MutableRecord(), range);
-    slot.file.Write(reader.view().sub(range.offset, range.size));
-    if (type == kSectorLpcm) slot.count += static_cast<std::uint32_t>(range.size);
+    if (type == kSectorLpcm) {
+      WriteSwapped(slot.file, reader, range);
+      slot.count += static_cast<std::uint32_t>(range.size);
+    } else {
+      slot.file.Write(record.sub(range.offset, range.size));
+    }
   }
   for (AudioSlot& slot : slots) {
     if (slot.wav && slot.file.is_open()) {

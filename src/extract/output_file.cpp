@@ -1,5 +1,6 @@
 #include "extract/output_file.h"
 
+#include <cstring>
 #include <utility>
 
 namespace tarvex {
@@ -10,6 +11,7 @@ OutputFile& OutputFile::operator=(OutputFile&& other) noexcept {
     file_ = std::move(other.file_);
     created_ = std::exchange(other.created_, false);
     buffer_ = std::move(other.buffer_);
+    used_ = std::exchange(other.used_, 0);
     buffer_size_ = other.buffer_size_;
   }
   return *this;
@@ -22,22 +24,33 @@ bool OutputFile::Create(const std::string& path, std::size_t buffer_size) {
   created.Close();
   file_ = File::OpenReadWrite(path);
   created_ = true;
-  buffer_size_ = buffer_size;
-  buffer_.clear();
+  if (buffer_size != buffer_size_) buffer_.reset();
+  buffer_size_ = buffer_size == 0 ? 1 : buffer_size;
+  used_ = 0;
   return true;
 }
 
 void OutputFile::Write(ByteView bytes) {
   if (!created_ || bytes.size() == 0) return;
-  if (buffer_.size() + bytes.size() > buffer_size_) {
+  if (bytes.size() >= buffer_size_) {
     Flush();
-    if (bytes.size() >= buffer_size_) {
-      file_.Write(bytes.data(), bytes.size());
-      return;
-    }
+    file_.Write(bytes.data(), bytes.size());
+    return;
   }
-  if (buffer_.capacity() < buffer_size_) buffer_.reserve(buffer_size_);
-  buffer_.insert(buffer_.end(), bytes.data(), bytes.data() + bytes.size());
+  std::memcpy(Extend(bytes.size()), bytes.data(), bytes.size());
+}
+
+std::uint8_t* OutputFile::Extend(std::size_t n) {
+  if (!created_) return nullptr;
+  if (used_ + n > buffer_size_) Flush();
+  if (n > buffer_size_) {  // a block larger than the buffer: the buffer grows to hold it
+    buffer_size_ = n;
+    buffer_.reset();
+  }
+  if (!buffer_) buffer_ = std::make_unique_for_overwrite<std::uint8_t[]>(buffer_size_);
+  std::uint8_t* room = buffer_.get() + used_;
+  used_ += n;
+  return room;
 }
 
 void OutputFile::PatchLe32(std::int64_t offset, std::uint32_t value) {
@@ -50,8 +63,8 @@ void OutputFile::PatchLe32(std::int64_t offset, std::uint32_t value) {
 }
 
 void OutputFile::Flush() {
-  if (!buffer_.empty()) file_.Write(buffer_.data(), buffer_.size());
-  buffer_.clear();
+  if (used_ != 0) file_.Write(buffer_.get(), used_);
+  used_ = 0;
 }
 
 void OutputFile::Close() {
@@ -59,7 +72,6 @@ void OutputFile::Close() {
   Flush();
   file_.Close();
   created_ = false;
-  std::vector<std::uint8_t>().swap(buffer_);
 }
 
 }  // namespace tarvex

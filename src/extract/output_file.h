@@ -7,8 +7,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <string>
-#include <vector>
 
 #include "platform/bytes.h"
 #include "platform/file_io.h"
@@ -33,6 +33,9 @@ class OutputFile {
   bool is_open() const { return created_; }
 
   void Write(ByteView bytes);
+  // Room for the next n bytes of the file, for the caller to fill at once: bytes that are made
+  // on their way out need no copy of their own. Null when no file was created.
+  std::uint8_t* Extend(std::size_t n);
   // Writes a 32-bit little-endian number at an absolute file offset (after the buffered bytes).
   void PatchLe32(std::int64_t offset, std::uint32_t value);
   void Flush();
@@ -41,7 +44,8 @@ class OutputFile {
  private:
   File file_;
   bool created_ = false;
-  std::vector<std::uint8_t> buffer_;
+  std::unique_ptr<std::uint8_t[]> buffer_;  // made by the first write, kept until destruction
+  std::size_t used_ = 0;                    // bytes collected in buffer_
   std::size_t buffer_size_ = kDefaultBufferSize;
 };
 

@@ -32,7 +32,17 @@ void RecordReader::KeepCurrent() {
   if (current_ != own_data_) {
     std::memcpy(own_data_, current_, kRecordSize);
     current_ = own_data_;
+    if (pending_.change) pending_.change({own_data_, kRecordSize}, pending_.offset, pending_.size);
   }
+  pending_ = {};
+}
+
+void RecordReader::ChangeWhenKept(Change change, std::size_t offset, std::size_t size) {
+  if (current_ == own_data_) {
+    change({own_data_, kRecordSize}, offset, size);
+    return;
+  }
+  pending_ = {change, offset, size};
 }
 
 void RecordReader::DropReadAhead() {
@@ -78,6 +88,7 @@ std::size_t RecordReader::Next() {
   const std::uint8_t* src = base_ + offset_;
   if (got == kRecordSize) {
     current_ = src;
+    pending_ = {};  // the record it was meant for is no longer visible anywhere
   } else {
     KeepCurrent();
     std::memcpy(own_data_, src, got);

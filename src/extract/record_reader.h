@@ -38,6 +38,13 @@ class RecordReader {
   ByteView view() const { return {current_, kRecordSize}; }
   // The current record, to be changed in place (the changes stay for a short read to keep).
   std::span<std::uint8_t> MutableRecord();
+  // A change to the bytes of the current record in place, made only when somebody can still
+  // see it: when a later short read keeps the record's bytes behind its own, or at once when
+  // the record is already the reader's own copy. A caller that goes on with its own changed
+  // copy of the bytes (written straight into an output, say) so saves copying every record.
+  // A later call replaces a change not yet made; the next whole record forgets it.
+  using Change = void (*)(std::span<std::uint8_t> record, std::size_t offset, std::size_t size);
+  void ChangeWhenKept(Change change, std::size_t offset, std::size_t size);
   // The file position after the last read, in bytes.
   std::int64_t position() const { return position_; }
   // Forgets every byte read ahead of position(): the next record is read from the file as
@@ -68,6 +75,12 @@ class RecordReader {
   const std::uint8_t* current_;
   std::int64_t position_ = 0;
   bool released_ = false;
+  struct PendingChange {
+    Change change = nullptr;
+    std::size_t offset = 0;
+    std::size_t size = 0;
+  };
+  PendingChange pending_;  // for the current record while it still lies in the block
 };
 
 }  // namespace tarvex

@@ -127,6 +127,69 @@ TEST(RecordReader, ChangesToTheRecordStayBehindAShortRead) {
   EXPECT_EQ(reader.view().data()[5], bytes[2048 + 5]);
 }
 
+// A change the caller only needs where the record's bytes stay visible: it sets byte 100 of
+// the record to 0xEE.
+void MarkByte100(std::span<std::uint8_t> record, std::size_t offset, std::size_t size) {
+  EXPECT_EQ(offset, 100u);
+  EXPECT_EQ(size, 1u);
+  record[offset] = 0xEE;
+}
+
+TEST(RecordReader, ChangeWhenKeptShowsBehindAShortRead) {
+  TempDir dir;
+  Bytes bytes = Join({Pattern(2048 * 2, 1), Pattern(5, 2)});
+  WriteFileBytes(dir.file("in"), bytes);
+  File file = File::OpenRead(dir.file("in"));
+  RecordReader reader(file, 8192);  // all three records in one block
+  reader.Next();
+  reader.Next();
+  reader.ChangeWhenKept(MarkByte100, 100, 1);
+  EXPECT_EQ(reader.view().data()[100], bytes[2048 + 100]);  // not made while the record is read
+  EXPECT_EQ(reader.Next(), 5u);
+  EXPECT_EQ(reader.view().data()[100], 0xEE);
+  EXPECT_EQ(reader.view().data()[4], Pattern(5, 2)[4]);
+  EXPECT_EQ(reader.view().data()[101], bytes[2048 + 101]);
+}
+
+TEST(RecordReader, ChangeWhenKeptSurvivesTheEndOfTheBlock) {
+  TempDir dir;
+  Bytes bytes = Join({Pattern(2048 * 2, 1), Pattern(5, 2)});
+  WriteFileBytes(dir.file("in"), bytes);
+  File file = File::OpenRead(dir.file("in"));
+  RecordReader reader(file, 4096);  // the second record is the last of the first block
+  reader.Next();
+  reader.Next();
+  reader.ChangeWhenKept(MarkByte100, 100, 1);
+  EXPECT_EQ(reader.Next(), 5u);
+  EXPECT_EQ(reader.view().data()[100], 0xEE);
+}
+
+TEST(RecordReader, ChangeWhenKeptIsForgottenByTheNextWholeRecord) {
+  TempDir dir;
+  Bytes bytes = Join({Pattern(2048 * 3, 1), Pattern(5, 2)});
+  WriteFileBytes(dir.file("in"), bytes);
+  File file = File::OpenRead(dir.file("in"));
+  RecordReader reader(file, 4096);
+  reader.Next();
+  reader.ChangeWhenKept(MarkByte100, 100, 1);
+  reader.Next();  // the changed record is gone: a whole read replaces every byte
+  reader.Next();
+  EXPECT_EQ(reader.Next(), 5u);
+  EXPECT_EQ(reader.view().data()[100], bytes[2 * 2048 + 100]);
+}
+
+TEST(RecordReader, ChangeWhenKeptIsMadeAtOnceOnTheReadersOwnRecord) {
+  TempDir dir;
+  Bytes bytes = Pattern(2048 * 2, 1);
+  WriteFileBytes(dir.file("in"), bytes);
+  File file = File::OpenRead(dir.file("in"));
+  RecordReader reader(file, 4096);
+  reader.Next();
+  reader.DropReadAhead();  // the record now lives in the reader's own buffer
+  reader.ChangeWhenKept(MarkByte100, 100, 1);
+  EXPECT_EQ(reader.view().data()[100], 0xEE);
+}
+
 TEST(RecordReader, LeavesTheFileAtThePositionOfTheLastRead) {
   TempDir dir;
   WriteFileBytes(dir.file("in"), Pattern(10 * 2048, 1));
