@@ -15,6 +15,7 @@ RecordReader::RecordReader(File& file, std::size_t block_size)
 }
 
 RecordReader::~RecordReader() {
+  if (before_letting_go_) before_letting_go_();
   if (!released_) file_.Seek(position_);
 }
 
@@ -46,6 +47,7 @@ void RecordReader::ChangeWhenKept(Change change, std::size_t offset, std::size_t
 }
 
 void RecordReader::DropReadAhead() {
+  if (before_letting_go_ && base_ != nullptr) before_letting_go_();
   KeepCurrent();
   mapping_.Reset();
   base_ = nullptr;

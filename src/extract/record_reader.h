@@ -9,7 +9,9 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
+#include <utility>
 #include <vector>
 
 #include "platform/bytes.h"
@@ -36,6 +38,13 @@ class RecordReader {
   std::size_t Next();
   // The current record: always 2048 bytes.
   ByteView view() const { return {current_, kRecordSize}; }
+  // True when the current record lies in the block, whose bytes stay as they are until the
+  // block is let go: then its bytes may be lent to an output file (see SetBeforeLettingGo).
+  bool RecordInBlock() const { return current_ != own_data_; }
+  // What to do before the reader lets its block go (at the end of the block, on
+  // DropReadAhead() and Rewind(), and when the reader is destroyed): typically flushing the
+  // output files that were lent bytes of the block.
+  void SetBeforeLettingGo(std::function<void()> hook) { before_letting_go_ = std::move(hook); }
   // The current record, to be changed in place (the changes stay for a short read to keep).
   std::span<std::uint8_t> MutableRecord();
   // A change to the bytes of the current record in place, made only when somebody can still
@@ -81,6 +90,7 @@ class RecordReader {
     std::size_t size = 0;
   };
   PendingChange pending_;  // for the current record while it still lies in the block
+  std::function<void()> before_letting_go_;
 };
 
 }  // namespace tarvex
