@@ -55,11 +55,6 @@ void RecordReader::DropReadAhead() {
   offset_ = 0;
 }
 
-std::span<std::uint8_t> RecordReader::MutableRecord() {
-  KeepCurrent();
-  return {own_data_, kRecordSize};
-}
-
 bool RecordReader::Refill() {
   // The block is about to be replaced: keep the current record, which a short read would
   // leave behind its own bytes.

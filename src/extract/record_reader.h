@@ -2,9 +2,9 @@
 // mapped into memory (so records are classified and copied out without first being copied
 // into a buffer), or a block read into a buffer when the file cannot be mapped. Each record it
 // yields holds exactly what a 2048-byte read into one persistent record buffer would hold: a
-// short last read leaves the previous record's bytes (as the caller left them, for instance
-// byte-swapped in place) behind the bytes it got. A new reader starts from a zeroed buffer.
-// Memory use is one block plus one record, whatever the file size.
+// short last read leaves the previous record's bytes (with the caller's changes, for instance
+// the LPCM byte swap, see ChangeWhenKept) behind the bytes it got. A new reader starts from a
+// zeroed buffer. Memory use is one block plus one record, whatever the file size.
 #pragma once
 
 #include <cstddef>
@@ -45,8 +45,6 @@ class RecordReader {
   // DropReadAhead() and Rewind(), and when the reader is destroyed): typically flushing the
   // output files that were lent bytes of the block.
   void SetBeforeLettingGo(std::function<void()> hook) { before_letting_go_ = std::move(hook); }
-  // The current record, to be changed in place (the changes stay for a short read to keep).
-  std::span<std::uint8_t> MutableRecord();
   // A change to the bytes of the current record in place, made only when somebody can still
   // see it: when a later short read keeps the record's bytes behind its own, or at once when
   // the record is already the reader's own copy. A caller that goes on with its own changed
