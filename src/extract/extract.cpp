@@ -72,11 +72,17 @@ void AbortOnIllegalSector(AppContext& ctx, RecordReader& reader, std::int32_t ty
 
 // Makes an output file. When it is the open stream itself, which creating truncates, the
 // reader first forgets what it read ahead of the current record, so the walk goes on with the
-// file as it then is (as record-by-record reading would).
-bool CreateOutput(AppContext& ctx, RecordReader& reader, OutputFile& file,
-                  const std::string& path) {
+// file as it then is (as record-by-record reading would). When the file cannot be made the
+// run ends: the "File system error!" box shows box_text (the routine's line buffer: nothing
+// for audio and video, the numbered name for stills and sub-pictures) and the wait cursor
+// goes back.
+bool CreateOutput(AppContext& ctx, RecordReader& reader, WaitCursor& cursor, OutputFile& file,
+                  const std::string& path, const std::string& box_text) {
   if (IsSameFile(ctx.open.file_path, path)) reader.DropReadAhead();
-  return file.Create(path);
+  if (file.Create(path)) return true;
+  ctx.ui.ShowMessage(box_text, kFileSystemError);
+  cursor.Off();
+  return false;
 }
 
 // Writes the payload bytes of the current record. While the record lies in the reader's block
@@ -229,12 +235,7 @@ void ExtractAudio(AppContext& ctx) {
       // Cancel ends the run; files made so far keep what was written and get no WAV patch.
       if (!chosen) return;
       cursor.On();
-      if (!CreateOutput(ctx, reader, slot.file, *chosen)) {
-        // The box shows the routine's line buffer, which holds nothing for audio.
-        ctx.ui.ShowMessage("", kFileSystemError);
-        cursor.Off();
-        return;
-      }
+      if (!CreateOutput(ctx, reader, cursor, slot.file, *chosen, "")) return;
       // Making the file may have dropped the reader's window: take the record again.
       record = reader.view();
       if (type == kSectorLpcm) {
@@ -283,14 +284,6 @@ bool FindFirstPack(AppContext& ctx, RecordReader& reader, std::int32_t wanted) {
     }
     if (type == wanted) return true;
   }
-}
-
-// Creates one numbered file; on failure shows the box with the name just formatted.
-bool CreateNumbered(AppContext& ctx, RecordReader& reader, OutputFile& file,
-                    const std::string& name) {
-  if (CreateOutput(ctx, reader, file, name)) return true;
-  ctx.ui.ShowMessage(name, kFileSystemError);
-  return false;
 }
 
 // The sequence end code scan of a still: positions p from s while p < 2048 - s.
@@ -346,14 +339,8 @@ void ExtractVideoStream(AppContext& ctx, bool stills) {
     counter = 1;
     std::string name = Format("%s%04d.m2v", {base, counter});
     counter = 2;
-    if (!CreateNumbered(ctx, reader, out, name)) {
-      cursor.Off();
-      return;
-    }
-  } else if (!CreateOutput(ctx, reader, out, *chosen)) {
-    // The box shows the routine's line buffer, which holds nothing for video.
-    ctx.ui.ShowMessage("", kFileSystemError);
-    cursor.Off();
+    if (!CreateOutput(ctx, reader, cursor, out, name, name)) return;
+  } else if (!CreateOutput(ctx, reader, cursor, out, *chosen, "")) {
     return;
   }
 
@@ -366,9 +353,7 @@ void ExtractVideoStream(AppContext& ctx, bool stills) {
     out.Close();
     std::string name = Format("%s%04d.m2v", {base, counter});
     ++counter;
-    if (CreateNumbered(ctx, reader, out, name)) return true;
-    cursor.Off();
-    return false;
+    return CreateOutput(ctx, reader, cursor, out, name, name);
   });
 }
 
@@ -398,10 +383,7 @@ void ExtractSubPictures(AppContext& ctx) {
   std::uint16_t counter = 1;
   std::string name = Format("%s%02d%04d.SUP", {base, stream_field, counter});
   counter = 2;
-  if (!CreateNumbered(ctx, reader, out, name)) {
-    cursor.Off();
-    return;
-  }
+  if (!CreateOutput(ctx, reader, cursor, out, name, name)) return;
 
   bool written = false;
   CopyPacks(ctx, reader, out, kSectorSubPicture, [&](ByteView record) {
@@ -411,10 +393,7 @@ void ExtractSubPictures(AppContext& ctx) {
       out.Close();
       name = Format("%s%02d%04d.sup", {base, stream_field, counter});
       ++counter;
-      if (!CreateNumbered(ctx, reader, out, name)) {
-        cursor.Off();
-        return false;
-      }
+      if (!CreateOutput(ctx, reader, cursor, out, name, name)) return false;
       record = reader.view();  // making the file may have dropped the reader's window
     }
     WritePayload(out, reader, payload.start, payload.length);
