@@ -7,6 +7,7 @@
 #include "ifo/fields.h"
 #include "ifo/nav_command.h"
 #include "ifo/source.h"
+#include "platform/file_io.h"
 #include "platform/format.h"
 
 namespace tarvex {
@@ -456,6 +457,13 @@ std::uint32_t pgc_copy_out(AppContext& ctx, std::span<std::uint8_t> buffer) {
   a.cell_playback.clear();
   a.cell_position.clear();
   return static_cast<std::uint32_t>(pos);
+}
+
+std::uint64_t ChainBudget(const OpenedTable& table) {
+  constexpr std::int64_t kPointerBytes = 8;
+  if (table.file == nullptr) return 0;
+  return static_cast<std::uint64_t>(std::max<std::int64_t>(table.file->Length(), 0)) /
+         kPointerBytes;
 }
 
 }  // namespace tarvex

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "app/context.h"
+#include "ifo/opened_table_state.h"
 #include "platform/bytes.h"
 
 namespace tarvex {
@@ -27,5 +28,10 @@ std::uint16_t pgc_layout(AppContext& ctx);
 // Copies the assembled chain into buffer (its size is the capacity); returns the bytes
 // written. Frees both cell lists.
 std::uint32_t pgc_copy_out(AppContext& ctx, std::span<std::uint8_t> buffer);
+
+// Program chains one report or disassembly pass over a table walks at most: as many as the
+// file holds 8-byte search pointers. A chain's report is long, and search pointers that repeat
+// or lie beyond the end of the file must not multiply the work.
+std::uint64_t ChainBudget(const OpenedTable& table);
 
 }  // namespace tarvex

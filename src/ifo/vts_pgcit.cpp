@@ -25,7 +25,8 @@ constexpr std::uint32_t kPointerSize = 8;
 
 // The table's body as read afresh from the file: the low 16 bits of the end address in bytes
 // from just after the header (zeros beyond the end of the file), and how many of its search
-// pointers are there to read.
+// pointers are walked: every one the header counts, within the chain budget. Pointers beyond
+// the body read as zeros.
 struct Body {
   std::vector<std::uint8_t> bytes;
   std::uint32_t pointers = 0;
@@ -34,7 +35,7 @@ struct Body {
 Body ReadBody(const OpenedTable& s) {
   Body body;
   body.bytes = ReadTableBody(s, s.end_address & 0xFFFFu);
-  body.pointers = PointersPresent(s.count, body.bytes.size(), 0, s.body_pos, s.file->Length());
+  body.pointers = static_cast<std::uint32_t>(std::min<std::uint64_t>(s.count, ChainBudget(s)));
   return body;
 }
 
@@ -170,15 +171,6 @@ void AppendChainBlock(ByteAppender& a, const std::vector<LoadedPgc>& pgcs,
     offset += static_cast<std::uint32_t>(pgc.bytes.size());
   }
   for (const LoadedPgc& pgc : pgcs) a.bytes(ByteView(pgc.bytes));
-}
-
-std::uint32_t PointersPresent(std::uint32_t count, std::size_t body_size, std::size_t pos,
-                              std::int64_t body_start, std::int64_t file_length) {
-  std::uint64_t in_body = body_size > pos ? (body_size - pos) / kPointerSize : 0;
-  std::int64_t file_bytes = file_length - body_start - static_cast<std::int64_t>(pos);
-  std::uint64_t in_file =
-      file_bytes > 0 ? static_cast<std::uint64_t>(file_bytes) / kPointerSize : 0;
-  return static_cast<std::uint32_t>(std::min<std::uint64_t>({count, in_body, in_file}));
 }
 
 }  // namespace tarvex

@@ -30,10 +30,4 @@ std::uint32_t ChainBlockBytes(const std::vector<LoadedPgc>& pgcs);
 // pointers, each next one right after the one before) and the chains.
 void AppendChainBlock(ByteAppender& a, const std::vector<LoadedPgc>& pgcs, std::uint32_t end_field);
 
-// How many 8-byte search pointers, starting at byte pos of body (whose first byte lies at
-// file position body_start), are read: at most count, and only those lying wholly within
-// both the body and the file. This bounds every pointer loop by the bytes actually there.
-std::uint32_t PointersPresent(std::uint32_t count, std::size_t body_size, std::size_t pos,
-                              std::int64_t body_start, std::int64_t file_length);
-
 }  // namespace tarvex
