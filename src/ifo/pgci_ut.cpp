@@ -343,11 +343,10 @@ std::uint32_t TableBytes(const PgciUtState& s) {
   return bytes;
 }
 
+// The end address written (bytes - 1) is computed again when the table is written.
 TableSize MeasureUnitTable(AppContext& ctx, const Instance& in) {
-  PgciUtState& s = ctx.ifo.*in.state;
-  std::uint32_t bytes = TableBytes(s);
+  std::uint32_t bytes = TableBytes(ctx.ifo.*in.state);
   if (bytes == 0) return {};
-  s.opened.end_address = bytes - 1;
   return {SectorsFor(bytes), bytes};
 }
 
@@ -377,7 +376,6 @@ void EmitUnitTable(AppContext& ctx, const Instance& in, File& out) {
   out.Write(table.data(), table.size());
   PadToSector(out);
   s.units.clear();
-  s.opened.count = 0;
 }
 
 constexpr Instance kInstances[] = {kTitleSetMenu, kVideoManagerMenu};

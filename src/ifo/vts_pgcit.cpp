@@ -84,15 +84,13 @@ void DisassemblePgcit(AppContext& ctx) {
 void LoadPgcit(AppContext& ctx) {
   VtsPgcitState& s = ctx.ifo.vts_pgcit;
   s.pgcs.clear();
-  s.opened.count = 0;
-  s.opened.end_address = 0;
   std::string value;
   if (!ReadSourceValue(ctx, kSection, "vts_pgci_srp_ns", value)) {
     ReportMissingStatement(ctx, "vts_pgci_srp_ns", kMissingCaption);
     return;
   }
-  s.opened.count = static_cast<std::uint16_t>(ParseDecimal(value));
-  for (std::uint32_t n = 1; n <= s.opened.count; ++n) {
+  auto count = static_cast<std::uint16_t>(ParseDecimal(value));
+  for (std::uint32_t n = 1; n <= count; ++n) {
     LoadedPgc pgc;
     std::string key = Format("vts_pgc_cat%02d", {n});
     if (ReadSourceValue(ctx, kSection, key, value)) {
@@ -110,11 +108,10 @@ std::uint32_t TableBytes(const VtsPgcitState& s) {
   return s.pgcs.empty() ? 0 : ChainBlockBytes(s.pgcs);
 }
 
+// The end address written (bytes - 1) is computed again when the table is written.
 TableSize MeasurePgcit(AppContext& ctx) {
-  VtsPgcitState& s = ctx.ifo.vts_pgcit;
-  std::uint32_t bytes = TableBytes(s);
+  std::uint32_t bytes = TableBytes(ctx.ifo.vts_pgcit);
   if (bytes == 0) return {};
-  s.opened.end_address = bytes - 1;
   return {SectorsFor(bytes), bytes};
 }
 
@@ -128,7 +125,6 @@ void EmitPgcit(AppContext& ctx, File& out) {
   AppendChainBlock(a, s.pgcs, bytes - 1);
   out.Write(table.data(), table.size());
   s.pgcs.clear();
-  s.opened.count = 0;
   PadToSector(out);
 }
 

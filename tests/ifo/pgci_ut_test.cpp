@@ -483,6 +483,23 @@ TEST(PgciUtAssembleTest, DisassembledTableAssemblesBackToTheSameBytes) {
   EXPECT_TRUE(f.ui.Messages().empty());
 }
 
+// Loading, measuring and writing a table keep apart from the table of the open IFO: its
+// details afterwards still show the file's header (2 units, end address 357), not the
+// source's one unit.
+TEST(PgciUtAssembleTest, AssemblyLeavesTheOpenTableAlone) {
+  Fixture f;
+  OpenVts(f, VtsWith(TwoUnitTable()));
+  test::UseSource(f,
+                  "[vtsm_pgci_ut]\nvtsm_lu_ns=1\nvtsm_lu_srp01_lcd=de\nvtsm_lu_srp01_exst=80\n"
+                  "[vtsm_lu]\nvtsm_lui01_pgci_srp_ns=0\n");
+  test::EmittedTable t = test::LoadAndEmit(f, TableId::kVtsmPgciUt);
+  EXPECT_EQ(ByteView(t.file).be16(0), 1u);
+  ReportTable(*f.ctx, TableId::kVtsmPgciUt);
+  ASSERT_GE(f.lines().size(), 2u);
+  EXPECT_EQ(f.lines()[0], "Number of VTSM_PGCI_LUs: 2");
+  EXPECT_EQ(f.lines()[1], "End byte address of VTSM_PGCI_LUs table: 357");
+}
+
 TEST(PgciUtAssembleTest, MissingExistenceOfUnit2StopsTheLoadWithNothingLoaded) {
   Fixture f;
   test::LoadSource(f, TableId::kVtsmPgciUt,

@@ -217,6 +217,21 @@ TEST(VtsPgcitAssembleTest, DisassembledTableAssemblesBackToTheSameBytes) {
   EXPECT_TRUE(f.ui.Messages().empty());
 }
 
+// Loading, measuring and writing a table keep apart from the table of the open IFO: its
+// details afterwards still show the file's header (1 chain, end address 333), not the
+// source's count of 2.
+TEST(VtsPgcitAssembleTest, AssemblyLeavesTheOpenTableAlone) {
+  Fixture f;
+  OpenImage(f, VtsWithPgcit(OnePgcTable()));
+  test::UseSource(f, "[vts_pgcit]\nvts_pgci_srp_ns=2\nvts_pgc_cat01=1\nvts_pgc_cat02=2\n");
+  test::EmittedTable t = test::LoadAndEmit(f, TableId::kVtsPgcit);
+  EXPECT_EQ(ByteView(t.file).be16(0), 2u);
+  ReportTable(*f.ctx, TableId::kVtsPgcit);
+  ASSERT_GE(f.lines().size(), 2u);
+  EXPECT_EQ(f.lines()[0], "Number of VTS_PGCI_SRP: 1");
+  EXPECT_EQ(f.lines()[1], "End byte address of VTS_PGCI table: 333");
+}
+
 TEST(VtsPgcitAssembleTest, SourceOffsetsAreIgnoredAndAlwaysRecomputed) {
   Fixture f;
   OpenImage(f, VtsWithPgcit(OnePgcTable()));
