@@ -95,13 +95,12 @@ std::uint32_t Open(AppContext& ctx, File& ifo) {
   return table.count;
 }
 
-// The end-address bytes after the header; what lies beyond the end of the file reads 0. Every
-// title set the header counts is walked: search pointers and records beyond the area read as
-// zeros.
-std::vector<std::uint8_t> ReadArea(AppContext& ctx, const OpenedTable& s) {
-  std::int64_t rest = std::max<std::int64_t>(ctx.open.file_handle.Length() - s.body_pos, 0);
-  std::int64_t bytes = std::min<std::int64_t>(s.end_address, rest);
-  return ReadFileBlock(ctx.open.file_handle, s.body_pos, static_cast<std::size_t>(bytes));
+// The end-address bytes after the header, as far as the file holds them (the end address is a
+// 32-bit field); what lies beyond reads 0. Every title set the header counts is walked: search
+// pointers and records beyond the area read as zeros.
+std::vector<std::uint8_t> ReadArea(const OpenedTable& s) {
+  return ReadTableBody(
+      s, static_cast<std::size_t>(std::min<std::uint64_t>(s.end_address, BodyBytesInFile(s))));
 }
 
 // The record at a byte offset from the table start (the area begins 8 bytes in); reads run on
@@ -116,7 +115,7 @@ void Report(AppContext& ctx) {
   if (!s.open()) return;
   ctx.AddReportLine(Format("Number of Video Title Sets: %d", {s.count}));
   ctx.AddReportLine(Format("End byte address of VTS_ATR table: %d", {s.end_address}));
-  std::vector<std::uint8_t> block = ReadArea(ctx, s);
+  std::vector<std::uint8_t> block = ReadArea(s);
   ByteView area(block);
   for (std::uint32_t i = 0; i < s.count; ++i) {
     std::uint32_t offset = area.be32(kPointerBytes * i);
@@ -130,7 +129,7 @@ void Disassemble(AppContext& ctx) {
   if (!s.open()) return;
   WriteSourceValue(ctx, kSection, "vts_ns", Format("%d", {s.count}));
   WriteSourceValue(ctx, kSection, "vts_atrt_ea", Format("%d", {s.end_address}));
-  std::vector<std::uint8_t> block = ReadArea(ctx, s);
+  std::vector<std::uint8_t> block = ReadArea(s);
   ByteView area(block);
   for (std::uint32_t i = 0; i < s.count; ++i) {
     std::string prefix = RecordPrefix(i + 1);
