@@ -33,10 +33,6 @@ std::uint32_t OpenCountedTable(AppContext& ctx, File& ifo, std::uint32_t start_s
 std::uint32_t OpenCountedTable(AppContext& ctx, File& ifo, std::uint32_t start_sector,
                                const TableLines& lines, OpenedTable& table);
 
-// The open step without its lines: forgets any earlier table, then (unless start_sector is 0)
-// reads the header and keeps it and the body position as OpenCountedTable does.
-void LocateCountedTable(File& ifo, std::uint32_t start_sector, OpenedTable& table);
-
 // n bytes of the opened table's body, read from the file now; bytes beyond the end of the
 // file read 0.
 std::vector<std::uint8_t> ReadTableBody(const OpenedTable& table, std::size_t n);

@@ -207,9 +207,10 @@ void DisassembleUnitTable(AppContext& ctx, const Instance& in) {
   }
 }
 
-std::uint32_t OpenLanguageUnits(AppContext& ctx, const Instance& in, File& ifo) {
-  OpenedTable& s = (ctx.ifo.*in.state).opened;
-  LocateCountedTable(ifo, in.start_sector(ctx), s);
+// The unit table's open step, which always comes right before this one, has located the table
+// (or forgotten it when there is none).
+std::uint32_t OpenLanguageUnits(AppContext& ctx, const Instance& in, File& /*ifo*/) {
+  const OpenedTable& s = (ctx.ifo.*in.state).opened;
   std::uint32_t defined = 0;
   if (s.open()) {
     UnitTable t = ReadUnitTable(s);
