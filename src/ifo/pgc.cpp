@@ -459,6 +459,14 @@ std::uint32_t pgc_copy_out(AppContext& ctx, std::span<std::uint8_t> buffer) {
   return static_cast<std::uint32_t>(pos);
 }
 
+std::vector<std::uint8_t> AssembleChainBytes(AppContext& ctx, std::string_view section,
+                                             std::string_view prefix) {
+  pgc_assemble(ctx, section, prefix);
+  std::vector<std::uint8_t> bytes(pgc_layout(ctx), 0);
+  pgc_copy_out(ctx, bytes);
+  return bytes;
+}
+
 std::uint64_t ChainBudget(const OpenedTable& table) {
   constexpr std::int64_t kPointerBytes = 8;
   if (table.file == nullptr) return 0;

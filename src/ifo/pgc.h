@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <vector>
 
 #include "app/context.h"
 #include "ifo/opened_table_state.h"
@@ -28,6 +29,11 @@ std::uint16_t pgc_layout(AppContext& ctx);
 // Copies the assembled chain into buffer (its size is the capacity); returns the bytes
 // written. Frees both cell lists.
 std::uint32_t pgc_copy_out(AppContext& ctx, std::span<std::uint8_t> buffer);
+
+// Reads one program chain from section with the key prefix and returns its bytes as laid out
+// for writing (assemble, lay out, copy out).
+std::vector<std::uint8_t> AssembleChainBytes(AppContext& ctx, std::string_view section,
+                                             std::string_view prefix);
 
 // Program chains one report or disassembly pass over a table walks at most: as many as the
 // file holds 8-byte search pointers. A chain's report is long, and search pointers that repeat

@@ -140,14 +140,6 @@ const TableModule kVtsPgcitModule = {
     .EmitTable = EmitPgcit,
 };
 
-std::vector<std::uint8_t> AssembleChainBytes(AppContext& ctx, std::string_view section,
-                                             std::string_view prefix) {
-  pgc_assemble(ctx, section, prefix);
-  std::vector<std::uint8_t> bytes(pgc_layout(ctx), 0);
-  pgc_copy_out(ctx, bytes);
-  return bytes;
-}
-
 std::uint32_t ChainBlockBytes(const std::vector<LoadedPgc>& pgcs) {
   std::uint32_t bytes = kHeaderSize + kPointerSize * static_cast<std::uint32_t>(pgcs.size());
   for (const LoadedPgc& pgc : pgcs) bytes += static_cast<std::uint32_t>(pgc.bytes.size());

@@ -3,23 +3,15 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
 #include <vector>
 
-#include "app/context.h"
 #include "ifo/pgci_state.h"
 #include "ifo/table.h"
 #include "platform/bytes.h"
-#include "platform/file_io.h"
 
 namespace tarvex {
 
 extern const TableModule kVtsPgcitModule;
-
-// Reads one program chain from section with the key prefix and returns its bytes as laid out
-// for writing (assemble, lay out, copy out).
-std::vector<std::uint8_t> AssembleChainBytes(AppContext& ctx, std::string_view section,
-                                             std::string_view prefix);
 
 // Size of a block of program chains as it is written: an 8-byte header, one 8-byte search
 // pointer per chain, and the chains.
