@@ -386,8 +386,8 @@ TEST(PgciUtDisassembleTest, TruncatedFileDisassemblesAndAssemblesEveryChain) {
 
 TEST(PgciUtReportTest, OverlappingUnitsCannotMultiplyTheWork) {
   // 200 unit pointers all lead to one unit (table offset 1608) that claims 65535 chains, all
-  // at offset 0. The file (3 sectors, 6144 bytes) holds 310 of the unit's chain pointers
-  // ((6144 - 2048 - 1608 - 8) / 8); one pass reads at most 6144 / 8 = 768 chains in all.
+  // at offset 0. One pass reads at most as many chains as the file (3 sectors, 6144 bytes)
+  // holds 8-byte pointers: 6144 / 8 = 768 chains in all, all of them in the first unit.
   std::vector<std::uint8_t> table(1608 + 8, 0);
   ByteWriter w(table);
   w.put_be16(0, 200);
