@@ -1,10 +1,8 @@
 #include "app/commands.h"
 
-#include <algorithm>
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
 
 #include "convert/drivers.h"
 #include "extract/extract.h"
@@ -14,13 +12,6 @@
 namespace tarvex {
 
 namespace {
-
-// Characters of a listing line that hold the record number ("%06d").
-constexpr std::size_t kRecordNumberWidth = 6;
-
-bool IsBlank(char c) {
-  return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
-}
 
 // Back from the details to what was shown before them.
 void LeaveDetails(AppContext& ctx) {
@@ -36,25 +27,6 @@ void LeaveDetails(AppContext& ctx) {
 }
 
 }  // namespace
-
-std::uint32_t RecordNumberOfLine(const std::string& line) {
-  // The number is read the way atol reads it, from the first six characters only; the value
-  // wraps at 32 bits.
-  std::string_view text(line);
-  text = text.substr(0, std::min(text.size(), kRecordNumberWidth));
-  std::size_t i = 0;
-  while (i < text.size() && IsBlank(text[i])) ++i;
-  bool negative = false;
-  if (i < text.size() && (text[i] == '+' || text[i] == '-')) {
-    negative = text[i] == '-';
-    ++i;
-  }
-  std::uint32_t value = 0;
-  for (; i < text.size() && text[i] >= '0' && text[i] <= '9'; ++i) {
-    value = value * 10 + static_cast<std::uint32_t>(text[i] - '0');
-  }
-  return negative ? 0u - value : value;
-}
 
 void DetailsCommand(AppContext& ctx) {
   if (ctx.stream.hex_mode == 1) return;

@@ -6,10 +6,6 @@
 
 namespace tarvex {
 
-// The record number a listing line starts with: its first 6 characters read as a decimal
-// number (leading blanks, an optional sign, digits; anything else ends the number).
-std::uint32_t RecordNumberOfLine(const std::string& line);
-
 // Details: toggles between the page and the details of the selected line's record (for an IFO,
 // of the selected table). Does nothing while the hex view is shown.
 void DetailsCommand(AppContext& ctx);

@@ -59,18 +59,16 @@ std::uint32_t Open(AppContext& ctx, const CAdtVariant& v, File& ifo) {
 
 // The cell entries as the table holds them: the low 16 bits of the end address give the bytes
 // read (zeros beyond the end of the file).
-std::vector<std::uint8_t> ReadCells(AppContext& ctx, const OpenedTable& s) {
-  return ReadFileBlock(ctx.open.file_handle, s.body_pos, s.end_address & 0xFFFFu);
+std::vector<std::uint8_t> ReadCells(const OpenedTable& s) {
+  return ReadTableBody(s, s.end_address & 0xFFFFu);
 }
 
-// (end address - 7) / 12 cells, none when negative, and no cell that would start beyond the
-// end of the file.
-std::uint32_t CellCount(AppContext& ctx, const OpenedTable& s) {
+// (end address - 7) / 12 cells, none when negative; a count from the 32-bit end address, so
+// no cell that would start beyond the end of the file.
+std::uint32_t CellCount(const OpenedTable& s) {
   std::int32_t cells = static_cast<std::int32_t>(s.end_address - 7u) / 12;
   if (cells <= 0) return 0;
-  std::int64_t rest = ctx.open.file_handle.Length() - s.body_pos;
-  std::int64_t in_file = rest > 0 ? (rest + kCellBytes - 1) / kCellBytes : 0;
-  return static_cast<std::uint32_t>(std::min<std::int64_t>(cells, in_file));
+  return std::min(static_cast<std::uint32_t>(cells), ItemsInFile(s, kCellBytes));
 }
 
 void Report(AppContext& ctx, const CAdtVariant& v) {
@@ -79,9 +77,9 @@ void Report(AppContext& ctx, const CAdtVariant& v) {
   if (!s.open()) return;
   ctx.AddReportLine(Format(v.count_line, {s.count}));
   ctx.AddReportLine(Format("End byte address of %s table: %d", {v.name, s.end_address}));
-  std::vector<std::uint8_t> block = ReadCells(ctx, s);
+  std::vector<std::uint8_t> block = ReadCells(s);
   ByteView cells(block);
-  std::uint32_t count = CellCount(ctx, s);
+  std::uint32_t count = CellCount(s);
   for (std::uint32_t i = 0; i < count; ++i) {
     std::size_t off = std::size_t{i} * kCellBytes;
     ctx.AddReportLine(Format("For table entry %d VOB ID %d Cell ID %d.",
@@ -98,9 +96,9 @@ void Disassemble(AppContext& ctx, const CAdtVariant& v) {
   if (!s.open()) return;
   WriteSourceValue(ctx, v.section, v.count_key, Format("%d", {s.count}));
   WriteSourceValue(ctx, v.section, v.end_key, Format("%d", {s.end_address}));
-  std::vector<std::uint8_t> block = ReadCells(ctx, s);
+  std::vector<std::uint8_t> block = ReadCells(s);
   ByteView cells(block);
-  std::uint32_t count = std::min<std::uint32_t>(s.count, CellCount(ctx, s));
+  std::uint32_t count = std::min<std::uint32_t>(s.count, CellCount(s));
   for (std::uint32_t i = 0; i < count; ++i) {
     std::size_t off = std::size_t{i} * kCellBytes;
     std::string prefix = Format("c_%03d_vob%03d_vts_", {cells.u8(off + 2), cells.be16(off)});

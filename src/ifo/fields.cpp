@@ -39,13 +39,13 @@ std::string FieldKey(const FieldDesc& field, std::uint32_t i, std::string_view p
   return key;
 }
 
-namespace {
-
 std::string HexBytes(ByteView bytes, std::size_t off, std::size_t n) {
   std::string out;
   for (std::size_t b = 0; b < n; ++b) AppendFormat(out, "%02x", {bytes.u8(off, b)});
   return out;
 }
+
+namespace {
 
 std::string HexWords(ByteView bytes, std::size_t off, std::size_t n) {
   std::string out;

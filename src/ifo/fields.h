@@ -105,6 +105,9 @@ std::uint32_t FieldValue(ByteView bytes, const FieldDesc& field, std::uint32_t i
 // The key of item i (from 0; the key's index is i + 1).
 std::string FieldKey(const FieldDesc& field, std::uint32_t i, std::string_view prefix = {});
 
+// "%02x" per byte of the n bytes at off (bytes outside the data read 0).
+std::string HexBytes(ByteView bytes, std::size_t off, std::size_t n);
+
 // The source text of item i.
 std::string FormatSourceValue(ByteView bytes, const FieldDesc& field, std::uint32_t i = 0);
 // Parses text by the field's load rule and writes item i into out (file byte order).

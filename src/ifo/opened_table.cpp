@@ -6,6 +6,10 @@
 
 namespace tarvex {
 
+namespace {
+
+// The open step without its lines: forgets any earlier table, then (unless start_sector is 0)
+// reads the header and keeps it and the body position.
 void LocateCountedTable(File& ifo, std::uint32_t start_sector, OpenedTable& table) {
   table = OpenedTable{};
   if (start_sector == 0) return;
@@ -17,6 +21,8 @@ void LocateCountedTable(File& ifo, std::uint32_t start_sector, OpenedTable& tabl
   table.count = header.be16(0);
   table.end_address = header.be32(4);
 }
+
+}  // namespace
 
 std::uint32_t OpenCountedTable(AppContext& ctx, File& ifo, std::uint32_t start_sector,
                                const TableNames& names, OpenedTable& table) {

@@ -1,6 +1,6 @@
 // Steps shared by the tables that begin with an 8-byte header of a 16-bit count, two zero bytes
-// and a 32-bit end address: opening them, reading their body afresh, and bounding loops over
-// their entries by the length of the file.
+// and a 32-bit end address: opening them, reading their body afresh, and bounding loops whose
+// count comes from a 32-bit field by the length of the file.
 #pragma once
 
 #include <cstdint>
@@ -33,10 +33,6 @@ std::uint32_t OpenCountedTable(AppContext& ctx, File& ifo, std::uint32_t start_s
 std::uint32_t OpenCountedTable(AppContext& ctx, File& ifo, std::uint32_t start_sector,
                                const TableLines& lines, OpenedTable& table);
 
-// The open step without its lines: forgets any earlier table, then (unless start_sector is 0)
-// reads the header and keeps it and the body position as OpenCountedTable does.
-void LocateCountedTable(File& ifo, std::uint32_t start_sector, OpenedTable& table);
-
 // n bytes of the opened table's body, read from the file now; bytes beyond the end of the
 // file read 0.
 std::vector<std::uint8_t> ReadTableBody(const OpenedTable& table, std::size_t n);
@@ -45,7 +41,8 @@ std::vector<std::uint8_t> ReadTableBody(const OpenedTable& table, std::size_t n)
 std::uint64_t BodyBytesInFile(const OpenedTable& table);
 
 // How many items of item_bytes each, laid one after another from the start of the body, begin
-// inside the file: the bound of every loop whose count the file itself gives.
+// inside the file: the bound of every loop whose count comes from a 32-bit field. Loops over a
+// 16-bit count run their full count, reading zeros beyond the end of the file.
 std::uint32_t ItemsInFile(const OpenedTable& table, std::uint32_t item_bytes);
 
 }  // namespace tarvex

@@ -7,6 +7,7 @@
 #include "ifo/fields.h"
 #include "ifo/nav_command.h"
 #include "ifo/source.h"
+#include "platform/file_io.h"
 #include "platform/format.h"
 
 namespace tarvex {
@@ -141,13 +142,6 @@ constexpr std::array<CommandKind, 3> kCommandKinds = {{
     {"    There are %d Cell Commands", "cell%d"},
 }};
 
-// "%02x" per byte of the first n bytes.
-std::string HexOf(ByteView bytes, std::size_t n) {
-  std::string out;
-  for (std::size_t b = 0; b < n; ++b) AppendFormat(out, "%02x", {bytes.u8(b)});
-  return out;
-}
-
 // Byte position (in pgc) of command n (from 0) of kind k.
 std::size_t CommandPosition(ByteView pgc, std::size_t cmdt, int kind, std::uint32_t n) {
   std::size_t before = 0;
@@ -261,7 +255,7 @@ void pgc_disassemble(AppContext& ctx, ByteView base, std::size_t offset, std::st
       std::uint32_t count = pgc.be16(cmdt + 2 * static_cast<std::size_t>(kind));
       for (std::uint32_t n = 0; n < count; ++n) {
         write(Format(kCommandKinds[kind].key, {n + 1}),
-              HexOf(pgc.sub(CommandPosition(pgc, cmdt, kind, n)), 8));
+              HexBytes(pgc, CommandPosition(pgc, cmdt, kind, n), 8));
       }
     }
   }
@@ -280,8 +274,8 @@ void pgc_disassemble(AppContext& ctx, ByteView base, std::size_t offset, std::st
     for (std::uint32_t c = 0; c < cells; ++c) {
       std::size_t e = pbit + 24 * c;
       std::string cell = Format("c_pbit_cell%03d", {c + 1});
-      write(cell + "_cat", HexOf(pgc.sub(e), 4));
-      write(cell + "_pbtm", HexOf(pgc.sub(e + 4), 4));
+      write(cell + "_cat", HexBytes(pgc, e, 4));
+      write(cell + "_pbtm", HexBytes(pgc, e + 4, 4));
       write(cell + "_fvobu_sa", Format("%d", {pgc.be32(e + 8)}));
       write(cell + "_filvu_ea", Format("%d", {pgc.be32(e + 12)}));
       write(cell + "_lvobu_sa", Format("%d", {pgc.be32(e + 16)}));
@@ -456,6 +450,21 @@ std::uint32_t pgc_copy_out(AppContext& ctx, std::span<std::uint8_t> buffer) {
   a.cell_playback.clear();
   a.cell_position.clear();
   return static_cast<std::uint32_t>(pos);
+}
+
+std::vector<std::uint8_t> AssembleChainBytes(AppContext& ctx, std::string_view section,
+                                             std::string_view prefix) {
+  pgc_assemble(ctx, section, prefix);
+  std::vector<std::uint8_t> bytes(pgc_layout(ctx), 0);
+  pgc_copy_out(ctx, bytes);
+  return bytes;
+}
+
+std::uint64_t ChainBudget(const OpenedTable& table) {
+  constexpr std::int64_t kPointerBytes = 8;
+  if (table.file == nullptr) return 0;
+  return static_cast<std::uint64_t>(std::max<std::int64_t>(table.file->Length(), 0)) /
+         kPointerBytes;
 }
 
 }  // namespace tarvex

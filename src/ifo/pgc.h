@@ -6,8 +6,10 @@
 #include <cstdint>
 #include <span>
 #include <string_view>
+#include <vector>
 
 #include "app/context.h"
+#include "ifo/opened_table_state.h"
 #include "platform/bytes.h"
 
 namespace tarvex {
@@ -27,5 +29,15 @@ std::uint16_t pgc_layout(AppContext& ctx);
 // Copies the assembled chain into buffer (its size is the capacity); returns the bytes
 // written. Frees both cell lists.
 std::uint32_t pgc_copy_out(AppContext& ctx, std::span<std::uint8_t> buffer);
+
+// Reads one program chain from section with the key prefix and returns its bytes as laid out
+// for writing (assemble, lay out, copy out).
+std::vector<std::uint8_t> AssembleChainBytes(AppContext& ctx, std::string_view section,
+                                             std::string_view prefix);
+
+// Program chains one report or disassembly pass over a table walks at most: as many as the
+// file holds 8-byte search pointers. A chain's report is long, and search pointers that repeat
+// or lie beyond the end of the file must not multiply the work.
+std::uint64_t ChainBudget(const OpenedTable& table);
 
 }  // namespace tarvex

@@ -26,13 +26,13 @@ struct LoadedLanguageUnit {
 
 // A menu PGCI unit table with its language units.
 struct PgciUtState {
-  OpenedTable opened;
+  OpenedTable opened;  // the table of the open IFO; loading and writing leave it alone
   std::vector<LoadedLanguageUnit> units;  // loaded; no units means nothing to write
 };
 
 // The title set PGCI table.
 struct VtsPgcitState {
-  OpenedTable opened;
+  OpenedTable opened;           // the table of the open IFO; loading and writing leave it alone
   std::vector<LoadedPgc> pgcs;  // loaded; none means nothing to write
 };
 

@@ -136,7 +136,8 @@ constexpr Instance kVideoManagerMenu = {
 };
 
 // The unit table's body read afresh (end address AND 0xFFFF bytes after the header, zeros
-// beyond the end of the file) and how many unit search pointers it holds.
+// beyond the end of the file). Every unit the header counts is walked; pointers beyond the
+// body read as zeros, that is as units not defined.
 struct UnitTable {
   std::vector<std::uint8_t> body;
   std::uint32_t units = 0;
@@ -148,13 +149,13 @@ struct UnitTable {
 UnitTable ReadUnitTable(const OpenedTable& s) {
   UnitTable t;
   t.body = ReadTableBody(s, s.end_address & 0xFFFFu);
-  t.units = PointersPresent(s.count, t.body.size(), 0, s.body_pos, s.file->Length());
+  t.units = s.count;
   return t;
 }
 
-// A language unit read as one 4096-byte block, and how many of its chain search pointers are
-// read: those inside the block and the file, and no more in one pass than the file has room
-// for 8-byte pointers (units that overlap cannot multiply the work).
+// A language unit read as one 4096-byte block (zeros beyond the end of the file), and how
+// many of its chains are walked: every one its header counts (pointers beyond the block read
+// as zeros), within what is left of the pass's chain budget.
 struct LanguageUnit {
   std::vector<std::uint8_t> block;
   std::uint32_t pgcs = 0;
@@ -165,16 +166,10 @@ struct LanguageUnit {
 LanguageUnit ReadLanguageUnit(const OpenedTable& s, std::uint32_t offset, std::uint64_t& budget) {
   LanguageUnit lu;
   std::int64_t pos = s.body_pos - kHeaderSize + offset;
-  std::int64_t length = s.file->Length();
   lu.block = ReadFileBlock(*s.file, pos, kUnitBlockSize);
-  std::uint32_t n = PointersPresent(lu.view().be16(0), lu.block.size(), kHeaderSize, pos, length);
-  lu.pgcs = static_cast<std::uint32_t>(std::min<std::uint64_t>(n, budget));
+  lu.pgcs = static_cast<std::uint32_t>(std::min<std::uint64_t>(lu.view().be16(0), budget));
   budget -= lu.pgcs;
   return lu;
-}
-
-std::uint64_t PointerBudget(const OpenedTable& s) {
-  return static_cast<std::uint64_t>(std::max<std::int64_t>(s.file->Length(), 0)) / kPointerSize;
 }
 
 std::uint32_t OpenUnitTable(AppContext& ctx, const Instance& in, File& ifo) {
@@ -212,9 +207,10 @@ void DisassembleUnitTable(AppContext& ctx, const Instance& in) {
   }
 }
 
-std::uint32_t OpenLanguageUnits(AppContext& ctx, const Instance& in, File& ifo) {
-  OpenedTable& s = (ctx.ifo.*in.state).opened;
-  LocateCountedTable(ifo, in.start_sector(ctx), s);
+// The unit table's open step, which always comes right before this one, has located the table
+// (or forgotten it when there is none).
+std::uint32_t OpenLanguageUnits(AppContext& ctx, const Instance& in, File& /*ifo*/) {
+  const OpenedTable& s = (ctx.ifo.*in.state).opened;
   std::uint32_t defined = 0;
   if (s.open()) {
     UnitTable t = ReadUnitTable(s);
@@ -234,7 +230,7 @@ void ReportLanguageUnits(AppContext& ctx, const Instance& in) {
   if (!s.open()) return;
   UnitTable t = ReadUnitTable(s);
   if (in.lu_total_line != nullptr) ctx.AddReportLine(Format(in.lu_total_line, {s.count}));
-  std::uint64_t budget = PointerBudget(s);
+  std::uint64_t budget = ChainBudget(s);
   for (std::uint32_t n = 1; n <= t.units; ++n) {
     std::uint32_t offset = t.unit_offset(n);
     if (offset == 0) {
@@ -258,7 +254,7 @@ void DisassembleLanguageUnits(AppContext& ctx, const Instance& in) {
   const OpenedTable& s = (ctx.ifo.*in.state).opened;
   if (!s.open()) return;
   UnitTable t = ReadUnitTable(s);
-  std::uint64_t budget = PointerBudget(s);
+  std::uint64_t budget = ChainBudget(s);
   for (std::uint32_t n = 1; n <= t.units; ++n) {
     std::uint32_t offset = t.unit_offset(n);
     if (offset == 0) continue;
@@ -348,11 +344,10 @@ std::uint32_t TableBytes(const PgciUtState& s) {
   return bytes;
 }
 
+// The end address written (bytes - 1) is computed again when the table is written.
 TableSize MeasureUnitTable(AppContext& ctx, const Instance& in) {
-  PgciUtState& s = ctx.ifo.*in.state;
-  std::uint32_t bytes = TableBytes(s);
+  std::uint32_t bytes = TableBytes(ctx.ifo.*in.state);
   if (bytes == 0) return {};
-  s.opened.end_address = bytes - 1;
   return {SectorsFor(bytes), bytes};
 }
 
@@ -382,7 +377,6 @@ void EmitUnitTable(AppContext& ctx, const Instance& in, File& out) {
   out.Write(table.data(), table.size());
   PadToSector(out);
   s.units.clear();
-  s.opened.count = 0;
 }
 
 constexpr Instance kInstances[] = {kTitleSetMenu, kVideoManagerMenu};

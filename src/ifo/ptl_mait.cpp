@@ -26,12 +26,11 @@ std::uint32_t Open(AppContext& ctx, File& ifo) {
   return table.count;
 }
 
-// The header and the country search pointers, read afresh.
-std::vector<std::uint8_t> ReadTable(AppContext& ctx) {
-  File& ifo = ctx.open.file_handle;
-  std::int64_t pos = ctx.ifo.ptl_mait.opened.body_pos - kHeaderBytes;
-  std::uint16_t countries = ByteView(ReadFileBlock(ifo, pos, kHeaderBytes)).be16(0);
-  return ReadFileBlock(ifo, pos, kHeaderBytes + kPointerBytes * countries);
+// The header and the country search pointers as many as the open step's count says, read
+// afresh in one go (zeros beyond the end of the file).
+std::vector<std::uint8_t> ReadTable(const OpenedTable& table) {
+  return ReadFileBlock(*table.file, table.body_pos - kHeaderBytes,
+                       kHeaderBytes + std::size_t{kPointerBytes} * table.count);
 }
 
 std::size_t PointerAt(std::uint32_t i) {
@@ -40,13 +39,14 @@ std::size_t PointerAt(std::uint32_t i) {
 
 void Report(AppContext& ctx) {
   ctx.ClearReportList();
-  if (!ctx.ifo.ptl_mait.opened.open()) return;
-  std::vector<std::uint8_t> block = ReadTable(ctx);
+  const OpenedTable& table = ctx.ifo.ptl_mait.opened;
+  if (!table.open()) return;
+  std::vector<std::uint8_t> block = ReadTable(table);
   ByteView t(block);
-  ctx.AddReportLine(Format("Number of Countries: %d", {t.be16(0)}));
+  ctx.AddReportLine(Format("Number of Countries: %d", {table.count}));
   ctx.AddReportLine(Format("Number of Video Title Sets: %d", {t.be16(2)}));
-  ctx.AddReportLine(Format("End byte address of PTL_MAIT table: %d", {t.be32(4)}));
-  for (std::uint32_t i = 0; i < t.be16(0); ++i) {
+  ctx.AddReportLine(Format("End byte address of PTL_MAIT table: %d", {table.end_address}));
+  for (std::uint32_t i = 0; i < table.count; ++i) {
     std::size_t p = PointerAt(i);
     ctx.AddReportLine(Format("Country Code of %d: %c%c", {i + 1, t.u8(p), t.u8(p + 1)}));
     ctx.AddReportLine(Format("Start byte address of PTL_MAI of %d: %d", {i + 1, t.be16(p + 4)}));
@@ -54,13 +54,14 @@ void Report(AppContext& ctx) {
 }
 
 void Disassemble(AppContext& ctx) {
-  if (!ctx.ifo.ptl_mait.opened.open()) return;
-  std::vector<std::uint8_t> block = ReadTable(ctx);
+  const OpenedTable& table = ctx.ifo.ptl_mait.opened;
+  if (!table.open()) return;
+  std::vector<std::uint8_t> block = ReadTable(table);
   ByteView t(block);
-  WriteSourceValue(ctx, kSection, "cty_ns", Format("%d", {t.be16(0)}));
+  WriteSourceValue(ctx, kSection, "cty_ns", Format("%d", {table.count}));
   WriteSourceValue(ctx, kSection, "vts_ns", Format("%d", {t.be16(2)}));
-  WriteSourceValue(ctx, kSection, "ptl_maait_ea", Format("%d", {t.be32(4)}));
-  for (std::uint32_t i = 0; i < t.be16(0); ++i) {
+  WriteSourceValue(ctx, kSection, "ptl_maait_ea", Format("%d", {table.end_address}));
+  for (std::uint32_t i = 0; i < table.count; ++i) {
     std::size_t p = PointerAt(i);
     WriteSourceValue(ctx, kPointerSection, Format("ptl_mai_srp%02d_cty_cd", {i + 1}),
                      Format("%c%c", {t.u8(p), t.u8(p + 1)}));

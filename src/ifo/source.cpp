@@ -68,24 +68,6 @@ std::vector<std::uint8_t> ParseHexBytes(std::string_view text, std::size_t count
   return out;
 }
 
-std::uint32_t ParseDecimal(std::string_view text) {
-  std::size_t i = 0;
-  auto blank = [](char c) {
-    return c == ' ' || c == '\t' || c == '\n' || c == '\v' || c == '\f' || c == '\r';
-  };
-  while (i < text.size() && blank(text[i])) ++i;
-  bool negative = false;
-  if (i < text.size() && (text[i] == '+' || text[i] == '-')) {
-    negative = text[i] == '-';
-    ++i;
-  }
-  std::uint32_t v = 0;
-  for (; i < text.size() && text[i] >= '0' && text[i] <= '9'; ++i) {
-    v = v * 10u + static_cast<std::uint32_t>(text[i] - '0');
-  }
-  return negative ? 0u - v : v;
-}
-
 void PadToSector(File& file) {
   std::int64_t pos = file.Tell();
   if (pos < 0) return;

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "app/context.h"
+#include "platform/decimal.h"
 #include "platform/file_io.h"
 
 namespace tarvex {
@@ -36,8 +37,8 @@ std::uint16_t ParseHexWord(std::string_view text);
 std::uint32_t ParseHexValue(std::string_view text);
 // A byte string: after an optional leading 'x', count bytes of two characters each.
 std::vector<std::uint8_t> ParseHexBytes(std::string_view text, std::size_t count);
-// Decimal as C atol reads it (leading blanks, one sign, digits), modulo 2^32.
-std::uint32_t ParseDecimal(std::string_view text);
+// Decimal values are read with ParseDecimal (platform/decimal.h): as atol reads them, modulo
+// 2^32.
 
 // Writes zero bytes until the file position is a multiple of 2048.
 void PadToSector(File& file);

@@ -65,13 +65,9 @@ std::uint32_t Open(AppContext& ctx, File& ifo) {
   return OpenCountedTable(ctx, ifo, ctx.ifo.vmgi_mat.tt_srpt_sa, kNames, State(ctx).opened);
 }
 
-// The titles the report and the disassembly walk: the header count, bounded by the entries
-// that begin inside the file.
-std::uint32_t TitlesToWalk(const OpenedTable& table) {
-  std::uint32_t in_file = ItemsInFile(table, kEntryBytes);
-  return table.count < in_file ? table.count : in_file;
-}
-
+// The entry bytes: the low 16 bits of the end address after the header. The report and the
+// disassembly walk every title the header counts; entries beyond these bytes or beyond the end
+// of the file read as zeros.
 std::vector<std::uint8_t> ReadEntries(const OpenedTable& table) {
   return ReadTableBody(table, table.end_address & 0xFFFF);
 }
@@ -83,8 +79,7 @@ void Report(AppContext& ctx) {
       Format("Number of Title Unit Serch Pointers TTUs in the VTS: %d", {table.count}));
   ctx.AddReportLine(Format("End byte address of PTT_SRPT table: %d", {table.end_address}));
   std::vector<std::uint8_t> body = ReadEntries(table);
-  std::uint32_t titles = TitlesToWalk(table);
-  for (std::uint32_t i = 0; i < titles; ++i) {
+  for (std::uint32_t i = 0; i < table.count; ++i) {
     ByteView entry = ByteView(body).sub(std::size_t{i} * kEntryBytes, kEntryBytes);
     for (const EntryField& field : kEntry) {
       ctx.AddReportLine(Format(field.desc.report, {i + 1, FieldValue(entry, field.desc)}));
@@ -97,8 +92,7 @@ void Disassemble(AppContext& ctx) {
   WriteSourceValue(ctx, kSection, "vts_ttu_ns", Format("%d", {table.count}));
   WriteSourceValue(ctx, kSection, "vts_ptt_srpt_ea", Format("%d", {table.end_address}));
   std::vector<std::uint8_t> body = ReadEntries(table);
-  std::uint32_t titles = TitlesToWalk(table);
-  for (std::uint32_t i = 0; i < titles; ++i) {
+  for (std::uint32_t i = 0; i < table.count; ++i) {
     ByteView entry = ByteView(body).sub(std::size_t{i} * kEntryBytes, kEntryBytes);
     for (const EntryField& field : kEntry) {
       WriteSourceValue(ctx, kSection, Format(field.desc.key, {i + 1}),

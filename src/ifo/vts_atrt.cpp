@@ -95,19 +95,12 @@ std::uint32_t Open(AppContext& ctx, File& ifo) {
   return table.count;
 }
 
-// The end-address bytes after the header; what lies beyond the end of the file reads 0.
-std::vector<std::uint8_t> ReadArea(AppContext& ctx, const OpenedTable& s) {
-  std::int64_t rest = std::max<std::int64_t>(ctx.open.file_handle.Length() - s.body_pos, 0);
-  std::int64_t bytes = std::min<std::int64_t>(s.end_address, rest);
-  return ReadFileBlock(ctx.open.file_handle, s.body_pos, static_cast<std::size_t>(bytes));
-}
-
-// The title sets whose search pointer starts within the file: a damaged count must not make
-// the report and the disassembly run on through zeros.
-std::uint32_t TitleSetCount(AppContext& ctx, const OpenedTable& s) {
-  std::int64_t rest = ctx.open.file_handle.Length() - s.body_pos;
-  std::int64_t in_file = rest > 0 ? (rest + kPointerBytes - 1) / kPointerBytes : 0;
-  return static_cast<std::uint32_t>(std::min<std::int64_t>(s.count, in_file));
+// The end-address bytes after the header, as far as the file holds them (the end address is a
+// 32-bit field); what lies beyond reads 0. Every title set the header counts is walked: search
+// pointers and records beyond the area read as zeros.
+std::vector<std::uint8_t> ReadArea(const OpenedTable& s) {
+  return ReadTableBody(
+      s, static_cast<std::size_t>(std::min<std::uint64_t>(s.end_address, BodyBytesInFile(s))));
 }
 
 // The record at a byte offset from the table start (the area begins 8 bytes in); reads run on
@@ -122,9 +115,9 @@ void Report(AppContext& ctx) {
   if (!s.open()) return;
   ctx.AddReportLine(Format("Number of Video Title Sets: %d", {s.count}));
   ctx.AddReportLine(Format("End byte address of VTS_ATR table: %d", {s.end_address}));
-  std::vector<std::uint8_t> block = ReadArea(ctx, s);
+  std::vector<std::uint8_t> block = ReadArea(s);
   ByteView area(block);
-  for (std::uint32_t i = 0, n = TitleSetCount(ctx, s); i < n; ++i) {
+  for (std::uint32_t i = 0; i < s.count; ++i) {
     std::uint32_t offset = area.be32(kPointerBytes * i);
     ctx.AddReportLine(Format("  VTS %d Attribute start byte address %d", {i + 1, offset}));
     ReportFields(ctx, RecordAt(area, offset), kRecord);
@@ -136,9 +129,9 @@ void Disassemble(AppContext& ctx) {
   if (!s.open()) return;
   WriteSourceValue(ctx, kSection, "vts_ns", Format("%d", {s.count}));
   WriteSourceValue(ctx, kSection, "vts_atrt_ea", Format("%d", {s.end_address}));
-  std::vector<std::uint8_t> block = ReadArea(ctx, s);
+  std::vector<std::uint8_t> block = ReadArea(s);
   ByteView area(block);
-  for (std::uint32_t i = 0, n = TitleSetCount(ctx, s); i < n; ++i) {
+  for (std::uint32_t i = 0; i < s.count; ++i) {
     std::string prefix = RecordPrefix(i + 1);
     std::uint32_t offset = area.be32(kPointerBytes * i);
     WriteSourceValue(ctx, kSection, prefix + "vts_atr_sa", Format("%d", {offset}));

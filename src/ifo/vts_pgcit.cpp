@@ -25,7 +25,8 @@ constexpr std::uint32_t kPointerSize = 8;
 
 // The table's body as read afresh from the file: the low 16 bits of the end address in bytes
 // from just after the header (zeros beyond the end of the file), and how many of its search
-// pointers are there to read.
+// pointers are walked: every one the header counts, within the chain budget. Pointers beyond
+// the body read as zeros.
 struct Body {
   std::vector<std::uint8_t> bytes;
   std::uint32_t pointers = 0;
@@ -34,7 +35,7 @@ struct Body {
 Body ReadBody(const OpenedTable& s) {
   Body body;
   body.bytes = ReadTableBody(s, s.end_address & 0xFFFFu);
-  body.pointers = PointersPresent(s.count, body.bytes.size(), 0, s.body_pos, s.file->Length());
+  body.pointers = static_cast<std::uint32_t>(std::min<std::uint64_t>(s.count, ChainBudget(s)));
   return body;
 }
 
@@ -83,15 +84,13 @@ void DisassemblePgcit(AppContext& ctx) {
 void LoadPgcit(AppContext& ctx) {
   VtsPgcitState& s = ctx.ifo.vts_pgcit;
   s.pgcs.clear();
-  s.opened.count = 0;
-  s.opened.end_address = 0;
   std::string value;
   if (!ReadSourceValue(ctx, kSection, "vts_pgci_srp_ns", value)) {
     ReportMissingStatement(ctx, "vts_pgci_srp_ns", kMissingCaption);
     return;
   }
-  s.opened.count = static_cast<std::uint16_t>(ParseDecimal(value));
-  for (std::uint32_t n = 1; n <= s.opened.count; ++n) {
+  auto count = static_cast<std::uint16_t>(ParseDecimal(value));
+  for (std::uint32_t n = 1; n <= count; ++n) {
     LoadedPgc pgc;
     std::string key = Format("vts_pgc_cat%02d", {n});
     if (ReadSourceValue(ctx, kSection, key, value)) {
@@ -109,11 +108,10 @@ std::uint32_t TableBytes(const VtsPgcitState& s) {
   return s.pgcs.empty() ? 0 : ChainBlockBytes(s.pgcs);
 }
 
+// The end address written (bytes - 1) is computed again when the table is written.
 TableSize MeasurePgcit(AppContext& ctx) {
-  VtsPgcitState& s = ctx.ifo.vts_pgcit;
-  std::uint32_t bytes = TableBytes(s);
+  std::uint32_t bytes = TableBytes(ctx.ifo.vts_pgcit);
   if (bytes == 0) return {};
-  s.opened.end_address = bytes - 1;
   return {SectorsFor(bytes), bytes};
 }
 
@@ -127,7 +125,6 @@ void EmitPgcit(AppContext& ctx, File& out) {
   AppendChainBlock(a, s.pgcs, bytes - 1);
   out.Write(table.data(), table.size());
   s.pgcs.clear();
-  s.opened.count = 0;
   PadToSector(out);
 }
 
@@ -142,14 +139,6 @@ const TableModule kVtsPgcitModule = {
     .MeasureTable = MeasurePgcit,
     .EmitTable = EmitPgcit,
 };
-
-std::vector<std::uint8_t> AssembleChainBytes(AppContext& ctx, std::string_view section,
-                                             std::string_view prefix) {
-  pgc_assemble(ctx, section, prefix);
-  std::vector<std::uint8_t> bytes(pgc_layout(ctx), 0);
-  pgc_copy_out(ctx, bytes);
-  return bytes;
-}
 
 std::uint32_t ChainBlockBytes(const std::vector<LoadedPgc>& pgcs) {
   std::uint32_t bytes = kHeaderSize + kPointerSize * static_cast<std::uint32_t>(pgcs.size());
@@ -170,15 +159,6 @@ void AppendChainBlock(ByteAppender& a, const std::vector<LoadedPgc>& pgcs,
     offset += static_cast<std::uint32_t>(pgc.bytes.size());
   }
   for (const LoadedPgc& pgc : pgcs) a.bytes(ByteView(pgc.bytes));
-}
-
-std::uint32_t PointersPresent(std::uint32_t count, std::size_t body_size, std::size_t pos,
-                              std::int64_t body_start, std::int64_t file_length) {
-  std::uint64_t in_body = body_size > pos ? (body_size - pos) / kPointerSize : 0;
-  std::int64_t file_bytes = file_length - body_start - static_cast<std::int64_t>(pos);
-  std::uint64_t in_file =
-      file_bytes > 0 ? static_cast<std::uint64_t>(file_bytes) / kPointerSize : 0;
-  return static_cast<std::uint32_t>(std::min<std::uint64_t>({count, in_body, in_file}));
 }
 
 }  // namespace tarvex

@@ -3,23 +3,15 @@
 #pragma once
 
 #include <cstdint>
-#include <string_view>
 #include <vector>
 
-#include "app/context.h"
 #include "ifo/pgci_state.h"
 #include "ifo/table.h"
 #include "platform/bytes.h"
-#include "platform/file_io.h"
 
 namespace tarvex {
 
 extern const TableModule kVtsPgcitModule;
-
-// Reads one program chain from section with the key prefix and returns its bytes as laid out
-// for writing (assemble, lay out, copy out).
-std::vector<std::uint8_t> AssembleChainBytes(AppContext& ctx, std::string_view section,
-                                             std::string_view prefix);
 
 // Size of a block of program chains as it is written: an 8-byte header, one 8-byte search
 // pointer per chain, and the chains.
@@ -29,11 +21,5 @@ std::uint32_t ChainBlockBytes(const std::vector<LoadedPgc>& pgcs);
 // pointers (category, and offset from the block start: the first chain right after the
 // pointers, each next one right after the one before) and the chains.
 void AppendChainBlock(ByteAppender& a, const std::vector<LoadedPgc>& pgcs, std::uint32_t end_field);
-
-// How many 8-byte search pointers, starting at byte pos of body (whose first byte lies at
-// file position body_start), are read: at most count, and only those lying wholly within
-// both the body and the file. This bounds every pointer loop by the bytes actually there.
-std::uint32_t PointersPresent(std::uint32_t count, std::size_t body_size, std::size_t pos,
-                              std::int64_t body_start, std::int64_t file_length);
 
 }  // namespace tarvex

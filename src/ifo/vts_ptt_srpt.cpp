@@ -35,18 +35,17 @@ std::uint32_t Open(AppContext& ctx, File& ifo) {
 
 // Reads the body afresh and walks it: unit n's parts run from its offset up to the next
 // unit's offset, the last unit's up to the end address + 1; offsets count from the table
-// start, 8 bytes before the body. The walk is bounded by the file: units by the pointers that
-// begin inside it, each unit's parts by the parts that begin inside it, and all parts together
-// by the number of 4-byte positions it holds after the header.
+// start, 8 bytes before the body. Every unit the header counts is walked; pointers beyond the
+// body or the end of the file read as zeros. The parts, whose extent comes from the 32-bit
+// offsets, are bounded by the file: each unit's by the parts that begin inside it, and all
+// parts together by the number of 4-byte positions it holds after the header.
 std::vector<Unit> ReadUnits(const OpenedTable& table) {
   std::vector<std::uint8_t> bytes = ReadTableBody(table, table.end_address & 0xFFFF);
   ByteView body(bytes);
   std::uint64_t in_file = BodyBytesInFile(table);
-  std::uint32_t pointers = ItemsInFile(table, 4);
-  std::uint32_t units = table.count < pointers ? table.count : pointers;
-  std::uint32_t budget = pointers;
-  std::vector<Unit> result(units);
-  for (std::uint32_t n = 0; n < units; ++n) {
+  std::uint32_t budget = ItemsInFile(table, 4);
+  std::vector<Unit> result(table.count);
+  for (std::uint32_t n = 0; n < table.count; ++n) {
     result[n].offset = body.be32(4 * std::size_t{n});
     std::uint64_t end = n + 1u < table.count ? body.be32(4 * (std::size_t{n} + 1))
                                              : std::uint64_t{table.end_address} + 1;

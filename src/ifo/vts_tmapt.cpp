@@ -37,29 +37,32 @@ std::uint32_t Open(AppContext& ctx, File& ifo) {
                           State(ctx).opened);
 }
 
+// Entries walked over all maps in one pass: never fewer than one map's largest count, so any
+// one map lists all its entries, and otherwise no more than the 4-byte positions the file
+// holds after the header, so maps that share their entries cannot multiply the work.
+std::uint32_t EntryBudget(const OpenedTable& table) {
+  constexpr std::uint32_t kLargestCount = 0xFFFF;
+  std::uint32_t in_file = ItemsInFile(table, 4);
+  return in_file > kLargestCount ? in_file : kLargestCount;
+}
+
 // Reads the body afresh and walks the maps; offsets count from the table start, 8 bytes
-// before the body. The walk is bounded by the file: maps by the pointers that begin inside
-// it, each map's entries by the entries that begin inside it, and the entries of all maps
-// together by the number of 4-byte positions it holds after the header.
+// before the body. Every map the header counts and every entry a map counts is walked, over
+// zeros beyond the body or the end of the file, within the entry budget.
 std::vector<FoundMap> ReadMaps(const OpenedTable& table) {
   std::vector<std::uint8_t> bytes = ReadTableBody(table, (table.end_address & 0xFFFF) + 1);
   ByteView body(bytes);
-  std::uint64_t in_file = BodyBytesInFile(table);
-  std::uint32_t pointers = ItemsInFile(table, 4);
-  std::uint32_t maps = table.count < pointers ? table.count : pointers;
-  std::uint32_t budget = pointers;
-  std::vector<FoundMap> result(maps);
-  for (std::uint32_t n = 0; n < maps; ++n) {
+  std::uint32_t budget = EntryBudget(table);
+  std::vector<FoundMap> result(table.count);
+  for (std::uint32_t n = 0; n < table.count; ++n) {
     FoundMap& map = result[n];
     map.offset = body.be32(4 * std::size_t{n});
-    std::uint64_t head = map.offset >= 8 ? map.offset - 8u : UINT64_MAX;
-    auto at = static_cast<std::size_t>(head < SIZE_MAX ? head : SIZE_MAX);
-    map.time_unit = body.u8(at);
-    map.entry_count = static_cast<std::uint16_t>((body.u8(at, 2) << 8) | body.u8(at, 3));
+    // A head inside the table header lies outside the body: it reads as zeros.
+    std::size_t head = map.offset >= 8 ? map.offset - 8u : SIZE_MAX;
+    map.time_unit = body.u8(head);
+    map.entry_count = static_cast<std::uint16_t>((body.u8(head, 2) << 8) | body.u8(head, 3));
     for (std::uint32_t e = 0; e < map.entry_count && budget > 0; ++e, --budget) {
-      std::uint64_t pos = head + 4 + 4 * std::uint64_t{e};
-      if (head == UINT64_MAX || pos >= in_file) break;
-      map.entries.push_back(body.be32(static_cast<std::size_t>(pos)));
+      map.entries.push_back(body.be32(head + 4 + 4 * std::size_t{e}));
     }
   }
   return result;

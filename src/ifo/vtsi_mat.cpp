@@ -145,11 +145,14 @@ constexpr std::array<FollowingTable, 8> kFollowingTables = {{
     {TableId::kVtsVobuAdmap, kVtsVobuAdmapSa},
 }};
 
-// The 32-bit fields that are swapped in place when the record is read.
-constexpr std::array<std::size_t, 14> kSwappedFields = {
-    0x00C, 0x01C, 0x022, 0x080, 0x0C0, 0x0C4, 0x0C8,
-    0x0CC, 0x0D0, 0x0D4, 0x0D8, 0x0DC, 0x0E0, 0x0E4,
-};
+// Swaps the 32-bit fields held in host order (Store::kHost32) in place when the record is read.
+void SwapToHostOrder(std::vector<std::uint8_t>& record) {
+  ByteWriter w(record);
+  for (const FieldDesc& field : kVtsiMat) {
+    if (field.store == Store::kHost32)
+      w.put_le32(field.offset, ByteView(record).be32(field.offset));
+  }
+}
 
 std::uint32_t OpenModule(AppContext& ctx, File& ifo) {
   return OpenTitleSet(ctx, ifo);
@@ -209,8 +212,7 @@ std::uint32_t OpenTitleSet(AppContext& ctx, File& ifo) {
     return OpenVideoManager(ctx, ifo);
   }
   ctx.AddReportLine("VTSI_MAT IFO File: Video Title Set Information Management Table");
-  ByteWriter w(record);
-  for (std::size_t off : kSwappedFields) w.put_le32(off, ByteView(record).be32(off));
+  SwapToHostOrder(record);
 
   std::uint32_t menu_vobs = view.le32(0x0C0);
   std::uint32_t title_vobs = view.le32(0x0C4);

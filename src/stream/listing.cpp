@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdlib>
 #include <cstring>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "convert/drivers.h"
+#include "platform/decimal.h"
 #include "platform/format.h"
 #include "stream/details.h"
 #include "stream/hex_view.h"
@@ -316,6 +316,11 @@ void ListPageAfterView(AppContext& ctx) {
   }
 }
 
+std::uint32_t RecordNumberOfLine(std::string_view line) {
+  constexpr std::size_t kRecordNumberWidth = 6;
+  return ParseDecimal(line.substr(0, std::min(line.size(), kRecordNumberWidth)));
+}
+
 void SelectRecordForHex(AppContext& ctx) {
   OpenFileState& open = ctx.open;
   if (ctx.stream.details_mode == 1) return;
@@ -326,9 +331,7 @@ void SelectRecordForHex(AppContext& ctx) {
   }
   std::optional<std::string> text = ctx.report.SelectedText();
   if (!text) return;
-  // The record number is the first six characters of the line, read as atol reads them.
-  std::string number = text->substr(0, 6);
-  open.page_end = static_cast<std::uint32_t>(std::strtol(number.c_str(), nullptr, 10));
+  open.page_end = RecordNumberOfLine(*text);
   ShowRecordHex(ctx, false);
   ctx.stream.hex_mode = 1;
 }

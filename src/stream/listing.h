@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
 #include "app/context.h"
 
@@ -21,6 +22,11 @@ void ScrollEnded(AppContext& ctx);
 // Back from a record view (hex or details) to the listing: the page ending one record after
 // the viewed one, or the first page while page_end is below 16.
 void ListPageAfterView(AppContext& ctx);
+
+// The record number a listing line starts with: its first 6 characters ("%06d") read as a
+// decimal number the way atol reads them, wrapping at 32 bits. Details and HEX both take the
+// record to show from the selected line this way.
+std::uint32_t RecordNumberOfLine(std::string_view line);
 
 // The HEX command: toggles between the page and the hex view of the selected record.
 void SelectRecordForHex(AppContext& ctx);

@@ -7,6 +7,7 @@
 
 #include "convert/drivers.h"
 #include "extract/extract.h"
+#include "stream/listing.h"
 #include "support/test_support.h"
 
 namespace tarvex {
@@ -190,6 +191,18 @@ TEST(HexCommand, ShowsTheHexViewOfTheSelectedRecord) {
   EXPECT_EQ(f.ctx->open.page_end, 5u);
   ASSERT_FALSE(f.lines().empty());
   EXPECT_EQ(f.lines().front(), "Hex display of record 5 at file address 10240");
+}
+
+// Details and HEX take the record from the selected line alike: " +12x5" is record 12 (blank,
+// sign, digits up to the first non-digit, within the first 6 characters).
+TEST(HexCommand, TakesTheRecordNumberAsDetailsDoes) {
+  Fixture f;
+  f.OpenBytes("a.vob", MakeVob(20), kFileVob);
+  ShowLines(*f.ctx, {" +12x5 b"}, 0);
+  HexCommand(*f.ctx);
+  EXPECT_EQ(f.ctx->open.page_end, 12u);
+  EXPECT_EQ(f.lines().front(), "Hex display of record 12 at file address 24576");
+  EXPECT_EQ(RecordNumberOfLine(" +12x5 b"), 12u);
 }
 
 TEST(ClearCommand, EmptiesTheListAndChangesNothingElse) {

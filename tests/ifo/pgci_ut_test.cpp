@@ -296,9 +296,10 @@ TEST(PgciUtReportTest, TableWithZeroHeaderStillGetsDetailsAndDisassembly) {
   EXPECT_EQ(text.find("[vtsm_lu]"), std::string::npos);
 }
 
-TEST(PgciUtReportTest, UnitPointersAreReadOnlyWhereTheFileHoldsThem) {
-  // Count and end address 65535, but the file ends after two unit pointers. Unit 1 lies
-  // beyond the end of the file and reads as zeros; unit 2 is not defined.
+TEST(PgciUtReportTest, UnitPointersBeyondTheFileReadAsZeros) {
+  // Count and end address 65535, but the file ends after two unit pointers. Every unit the
+  // header counts is listed: unit 1 lies beyond the end of the file and reads as zeros; the
+  // pointers of units 2 on are 0 or lie beyond the end, so those units are not defined.
   std::vector<std::uint8_t> table(24, 0);
   ByteWriter w(table);
   w.put_be16(0, 0xFFFF);
@@ -309,19 +310,84 @@ TEST(PgciUtReportTest, UnitPointersAreReadOnlyWhereTheFileHoldsThem) {
   Fixture f;
   OpenVts(f, image);
   PressDetailsOn(f, "VTSM_PGCI_UT");
-  EXPECT_EQ(f.lines().size(), 2u + 2u * 3u);
+  ASSERT_EQ(f.lines().size(), 2u + 65535u * 3u);
   EXPECT_EQ(f.lines()[0], "Number of VTSM_PGCI_LUs: 65535");
+  EXPECT_EQ(f.lines()[4], "  Video Title Set Menu Language Start Address 1: 24");
+  EXPECT_EQ(f.lines().back(), "  Video Title Set Menu Language Start Address 65535: 0");
   ShowIfoDetails(*f.ctx);
   PressDetailsOn(f, "VTSM_LUI");
-  EXPECT_EQ(f.lines(), (std::vector<std::string>{"LU 1 Number of VTSM_PGCI_SRP: 0",
-                                                 "LU 1 End byte address of VTSM_LU_EA table: 0",
-                                                 "Language Unit 2 is not define."}));
+  ASSERT_EQ(f.lines().size(), 2u + 65534u);
+  EXPECT_EQ(f.lines()[0], "LU 1 Number of VTSM_PGCI_SRP: 0");
+  EXPECT_EQ(f.lines()[1], "LU 1 End byte address of VTSM_LU_EA table: 0");
+  EXPECT_EQ(f.lines()[2], "Language Unit 2 is not define.");
+  EXPECT_EQ(f.lines().back(), "Language Unit 65535 is not define.");
+}
+
+// A truncated table: one unit ("en", existence 80) at offset 16 whose header says 2 chains and
+// end address 256, and the file ends right after that header. Both chains are listed: their
+// search pointers lie beyond the end of the file and read 0, so each chain is read at offset 0
+// of the unit block, whose bytes are the unit header (00 02 00 00 00 00 01 00) and zeros.
+std::vector<std::uint8_t> TruncatedUnit() {
+  std::vector<std::uint8_t> table(24, 0);
+  ByteWriter w(table);
+  w.put_be16(0, 1);
+  w.put_be32(4, 1000);
+  w.put_u8(8, 'e');
+  w.put_u8(9, 'n');
+  w.put_u8(11, 0x80);
+  w.put_be32(12, 16);
+  w.put_be16(16, 2);
+  w.put_be32(20, 256);
+  std::vector<std::uint8_t> image = VtsWith(table);
+  image.resize(2048 + 24);
+  return image;
+}
+
+TEST(PgciUtReportTest, TruncatedFileListsEveryChainOfAUnit) {
+  Fixture f;
+  OpenVts(f, TruncatedUnit());
+  PressDetailsOn(f, "VTSM_LUI");
+  // 2 unit lines, then per chain 2 pointer lines and the 74 lines of a chain without programs,
+  // cells or sub-tables.
+  ASSERT_EQ(f.lines().size(), 2u + 2u * (2u + 74u));
+  EXPECT_EQ(f.lines()[0], "LU 1 Number of VTSM_PGCI_SRP: 2");
+  EXPECT_EQ(f.lines()[1], "LU 1 End byte address of VTSM_LU_EA table: 256");
+  EXPECT_EQ(f.lines()[2], "  VTSM_PGC Category 1: 0");
+  EXPECT_EQ(f.lines()[3], "  VTSM_PGCI byte address 1: 0");
+  // Bytes 4-7 of the chain, 00 00 01 00, are its playback time.
+  EXPECT_EQ(f.lines()[6], "    PGC: Play Back Time: 00:00:01.00");
+  EXPECT_EQ(f.lines()[2 + 76], "  VTSM_PGC Category 2: 0");
+  EXPECT_EQ(f.lines()[2 + 76 + 1], "  VTSM_PGCI byte address 2: 0");
+}
+
+TEST(PgciUtDisassembleTest, TruncatedFileDisassemblesAndAssemblesEveryChain) {
+  Fixture f;
+  OpenVts(f, TruncatedUnit());
+  std::string text = test::DisassembleTables(f, {TableId::kVtsmPgciUt, TableId::kVtsmLu});
+  EXPECT_NE(text.find("[vtsm_lu]\r\nvtsm_lui01_pgci_srp_ns=2\r\nvtsm_lui01_lu_ea=256\r\n"),
+            std::string::npos);
+  EXPECT_NE(text.find("[vtsm_lu01_02]\r\nvtsm_lui_pgc_cat=00000000\r\n"), std::string::npos);
+  // Assembled back: two chains of a bare 236-byte header each. The unit: 8 + 2 x 8 + 2 x 236
+  // = 496 bytes (its end address field holds that size); the table: 8 + 8 + 496 = 512 bytes,
+  // end address 511; chain offsets 24 and 260 within the unit.
+  test::EmittedTable t = test::LoadAndEmit(f, TableId::kVtsmPgciUt);
+  EXPECT_EQ(t.bytes, 512u);
+  ByteView v(t.file);
+  EXPECT_EQ(v.be16(0), 1u);
+  EXPECT_EQ(v.be32(4), 511u);
+  EXPECT_EQ(v.be32(12), 16u);
+  EXPECT_EQ(v.be16(16), 2u);
+  EXPECT_EQ(v.be32(20), 496u);
+  EXPECT_EQ(v.be32(28), 24u);
+  EXPECT_EQ(v.be32(36), 260u);
+  // The playback time read from the unit header comes back in chain 1.
+  EXPECT_EQ(v.be32(16 + 24 + 4), 0x00000100u);
 }
 
 TEST(PgciUtReportTest, OverlappingUnitsCannotMultiplyTheWork) {
   // 200 unit pointers all lead to one unit (table offset 1608) that claims 65535 chains, all
-  // at offset 0. The file (3 sectors, 6144 bytes) holds 310 of the unit's chain pointers
-  // ((6144 - 2048 - 1608 - 8) / 8); one pass reads at most 6144 / 8 = 768 chains in all.
+  // at offset 0. One pass reads at most as many chains as the file (3 sectors, 6144 bytes)
+  // holds 8-byte pointers: 6144 / 8 = 768 chains in all, all of them in the first unit.
   std::vector<std::uint8_t> table(1608 + 8, 0);
   ByteWriter w(table);
   w.put_be16(0, 200);
@@ -415,6 +481,23 @@ TEST(PgciUtAssembleTest, DisassembledTableAssemblesBackToTheSameBytes) {
   expected.resize(2048, 0);
   EXPECT_EQ(test::EmitInto(f, TableId::kVtsmPgciUt), expected);
   EXPECT_TRUE(f.ui.Messages().empty());
+}
+
+// Loading, measuring and writing a table keep apart from the table of the open IFO: its
+// details afterwards still show the file's header (2 units, end address 357), not the
+// source's one unit.
+TEST(PgciUtAssembleTest, AssemblyLeavesTheOpenTableAlone) {
+  Fixture f;
+  OpenVts(f, VtsWith(TwoUnitTable()));
+  test::UseSource(f,
+                  "[vtsm_pgci_ut]\nvtsm_lu_ns=1\nvtsm_lu_srp01_lcd=de\nvtsm_lu_srp01_exst=80\n"
+                  "[vtsm_lu]\nvtsm_lui01_pgci_srp_ns=0\n");
+  test::EmittedTable t = test::LoadAndEmit(f, TableId::kVtsmPgciUt);
+  EXPECT_EQ(ByteView(t.file).be16(0), 1u);
+  ReportTable(*f.ctx, TableId::kVtsmPgciUt);
+  ASSERT_GE(f.lines().size(), 2u);
+  EXPECT_EQ(f.lines()[0], "Number of VTSM_PGCI_LUs: 2");
+  EXPECT_EQ(f.lines()[1], "End byte address of VTSM_PGCI_LUs table: 357");
 }
 
 TEST(PgciUtAssembleTest, MissingExistenceOfUnit2StopsTheLoadWithNothingLoaded) {

@@ -250,28 +250,61 @@ TEST(SrptTitleRulesTest, DecimalValuesAreTruncatedAndTheLoopUsesTheTruncatedCoun
   EXPECT_EQ(v.be16(10), 12u);
 }
 
-// The entries are read with zeros beyond the end of the file, and the loop over the 16-bit
-// count stops at the entries that begin inside the file.
-TEST(SrptTitleRulesTest, BodyBeyondTheEndOfTheFileReadsZeroAndTheLoopIsBounded) {
-  Fixture f;
-  // Count 65535, end address 0xFFFFFFFF (body of 0xFFFF bytes asked), then one full title
-  // and 5 bytes of a second: the file ends 25 bytes into the table.
-  std::vector<std::uint8_t> table = {0xFF, 0xFF, 0x00, 0x00, 0xFF, 0xFF, 0xFF, 0xFF, 0x3C,
-                                     0x01, 0x00, 0x03, 0x00, 0x00, 0x01, 0x01, 0x00, 0x00,
-                                     0x00, 0x05, 0x1C, 0x02, 0x00, 0x0C, 0x00};
+// A truncated table: the header says 4 titles and end address 0xFFFFFFFF (a body of 0xFFFF
+// bytes is asked), but the file ends 25 bytes into the table, after one full title and 5 bytes
+// of a second. The entries read as zeros beyond the end of the file and the loop over the
+// 16-bit count runs all 4 titles.
+std::vector<std::uint8_t> TruncatedFourTitles() {
+  return {0x00, 0x04, 0x00, 0x00, 0xFF, 0xFF, 0xFF, 0xFF, 0x3C, 0x01, 0x00, 0x03, 0x00,
+          0x00, 0x01, 0x01, 0x00, 0x00, 0x00, 0x05, 0x1C, 0x02, 0x00, 0x0C, 0x00};
+}
+
+void OpenTruncatedVmg(Fixture& f) {
+  std::vector<std::uint8_t> table = TruncatedFourTitles();
   std::vector<std::uint8_t> image = test::MakeVmgImage();
   ByteWriter(image).put_be32(kTtSrptSa, 1);
   image.insert(image.end(), table.begin(), table.end());
   test::OpenIfo(f, "VIDEO_TS.IFO", image);
+}
+
+TEST(SrptTitleRulesTest, TruncatedFileListsTheFullCountWithZerosBeyondItsEnd) {
+  Fixture f;
+  OpenTruncatedVmg(f);
   std::vector<std::string> lines = test::DetailsOf(f, "VMG_PTT");
-  ASSERT_EQ(lines.size(), 2u + 7u * 2u);
-  EXPECT_EQ(lines[0], "Number of Title Unit Serch Pointers TTUs in the VTS: 65535");
+  ASSERT_EQ(lines.size(), 2u + 7u * 4u);
+  EXPECT_EQ(lines[0], "Number of Title Unit Serch Pointers TTUs in the VTS: 4");
   EXPECT_EQ(lines[1], "End byte address of PTT_SRPT table: -1");
   EXPECT_EQ(lines[8], "    Title set 1: Title set starting sector number: 5");
   EXPECT_EQ(lines[9], "    Title set 2: Title playback type: 1c");
   EXPECT_EQ(lines[11], "    Title set 2: Number of PTTs: 12");
+  // 00 of the parental field is the last byte in the file; the next one reads 0.
   EXPECT_EQ(lines[12], "    Title set 2: Parental ID field: 0");
   EXPECT_EQ(lines[15], "    Title set 2: Title set starting sector number: 0");
+  EXPECT_EQ(lines[16], "    Title set 3: Title playback type: 0");
+  EXPECT_EQ(lines[22], "    Title set 3: Title set starting sector number: 0");
+  EXPECT_EQ(lines[23], "    Title set 4: Title playback type: 0");
+  EXPECT_EQ(lines[29], "    Title set 4: Title set starting sector number: 0");
+}
+
+TEST(SrptTitleRulesTest, TruncatedFileDisassemblesAndAssemblesTheFullCount) {
+  Fixture f;
+  OpenTruncatedVmg(f);
+  std::string text = test::DisassembleTables(f, {TableId::kVmgPttSrpt});
+  std::vector<std::string> keys = test::SectionLines(text, "vmg_ptt_srpt");
+  ASSERT_EQ(keys.size(), 2u + 7u * 4u);
+  EXPECT_EQ(keys[0], "vts_ttu_ns=4");
+  EXPECT_EQ(keys[23], "tt_pb_ty04=x00");
+  EXPECT_EQ(keys[29], "vts_sa04=0");
+  // Assembled back: 8 + 4 x 12 = 56 bytes, end address 55; title 4 is zero but for its
+  // VTS_TTN, which is always written as 1.
+  test::EmittedTable t = test::LoadAndEmit(f, TableId::kVmgPttSrpt);
+  EXPECT_EQ(t.bytes, 56u);
+  ByteView v(t.file);
+  EXPECT_EQ(v.be16(0), 4u);
+  EXPECT_EQ(v.be32(4), 55u);
+  EXPECT_EQ(v.be32(8 + 36 + 8), 0u);
+  EXPECT_EQ(v.u8(8 + 36 + 6), 0u);
+  EXPECT_EQ(v.u8(8 + 36 + 7), 1u);
 }
 
 // Every report and disassembly reads the table afresh from the file.

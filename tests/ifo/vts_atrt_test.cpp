@@ -126,22 +126,48 @@ TEST(AtrtReportTest, HugeEndAddressReadsOnlyWhatTheFileHolds) {
   EXPECT_EQ(f.lines().size(), 26u);
 }
 
-TEST(AtrtReportTest, TitleSetsWhosePointerLiesBeyondTheFileAreNotListed) {
+TEST(AtrtReportTest, EveryTitleSetIsListedOverZerosBeyondTheFile) {
   Fixture f;
-  // 65535 title sets claimed, end address 0; the file ends 8 bytes after the header, so only
-  // two search pointers (both 0) start within it. Each title set: its pointer line and 8 lines
-  // of a record read as zeros.
+  // 4096 title sets claimed, end address 0; the file ends 8 bytes after the header. Every
+  // title set is listed: its pointer line (0) and 8 lines of a record read as zeros.
   std::vector<std::uint8_t> table(16, 0);
-  ByteWriter(table).put_be16(0, 0xFFFF);
+  ByteWriter(table).put_be16(0, 4096);
   OpenWith(f, table);
   ReportTable(*f.ctx, TableId::kVmgAtrt);
-  ASSERT_EQ(f.lines().size(), 2u + 2u * 9u);
-  EXPECT_EQ(f.lines()[0], "Number of Video Title Sets: 65535");
+  ASSERT_EQ(f.lines().size(), 2u + 4096u * 9u);
+  EXPECT_EQ(f.lines()[0], "Number of Video Title Sets: 4096");
   EXPECT_EQ(f.lines()[11], "  VTS 2 Attribute start byte address 0");
   EXPECT_EQ(f.lines()[19], "    Number of subpicture streams in VTSTT_VOBS: 0");
+  EXPECT_EQ(f.lines().back(), "    Number of subpicture streams in VTSTT_VOBS: 0");
   std::string text = test::DisassembleTables(f, {TableId::kVmgAtrt});
   EXPECT_NE(text.find("vts_atrt_srp002_vts_spst_ns=0"), std::string::npos);
-  EXPECT_EQ(text.find("vts_atrt_srp003"), std::string::npos);
+  EXPECT_NE(text.find("vts_atrt_srp4096_vts_spst_ns=0"), std::string::npos);
+}
+
+TEST(AtrtReportTest, TruncatedFileListsTheFullCountWithZerosBeyondItsEnd) {
+  Fixture f;
+  std::vector<std::uint8_t> table = TwoTitleSets();
+  table.resize(12);  // the file ends after the first search pointer
+  OpenWith(f, table);
+  ReportTable(*f.ctx, TableId::kVmgAtrt);
+  // Title set 1's record (at 16) and title set 2's pointer lie beyond the end: zeros.
+  ASSERT_EQ(f.lines().size(), 2u + 2u * 9u);
+  EXPECT_EQ(f.lines()[2], "  VTS 1 Attribute start byte address 16");
+  EXPECT_EQ(f.lines()[3], "    VTS Attribute end byte address 0");
+  EXPECT_EQ(f.lines()[5], "    Attributes of VTSM_VOBS: 00");
+  EXPECT_EQ(f.lines()[11], "  VTS 2 Attribute start byte address 0");
+  EXPECT_EQ(f.lines()[12], "    VTS Attribute end byte address 0");
+  // Disassembled and assembled back: both title sets, 8 + 2 x (4 + 776) = 1568 bytes.
+  std::string text = test::DisassembleTables(f, {TableId::kVmgAtrt});
+  EXPECT_NE(text.find("vts_ns=2\r\n"), std::string::npos);
+  EXPECT_NE(text.find("vts_atrt_srp002_vts_spst_ns=0"), std::string::npos);
+  test::EmittedTable t = test::LoadAndEmit(f, TableId::kVmgAtrt);
+  EXPECT_EQ(t.bytes, 1568u);
+  ByteView v(t.file);
+  EXPECT_EQ(v.be16(0), 2u);
+  EXPECT_EQ(v.be32(12), 792u);
+  EXPECT_EQ(v.be32(792), 775u);
+  EXPECT_EQ(v.be32(792 + 4), 0u);
 }
 
 TEST(AtrtReportTest, ReportReadsTheRecordsAfresh) {

@@ -104,9 +104,11 @@ TEST(VtsPgcitReportTest, TableWithZeroHeaderStillGetsDetailsAndDisassembly) {
       std::string::npos);
 }
 
-TEST(VtsPgcitReportTest, PointersAreReadOnlyWhereTheFileHoldsThem) {
+TEST(VtsPgcitReportTest, PointersBeyondTheFileReadAsZerosWithinTheChainBudget) {
   // Count 65535 and end address 65535, but the file ends 16 bytes after the header: two
-  // pointers. Their chains lie beyond the end of the file and read as zeros.
+  // pointers in the file, the others read as zeros. Their chains lie beyond the end of the file
+  // and read as zeros too. One pass walks at most as many chains as the file holds 8-byte
+  // pointers: (2048 + 24) / 8 = 259.
   std::vector<std::uint8_t> table(24, 0);
   ByteWriter w(table);
   w.put_be16(0, 0xFFFF);
@@ -122,10 +124,59 @@ TEST(VtsPgcitReportTest, PointersAreReadOnlyWhereTheFileHoldsThem) {
   PressDetailsOn(f, "VTS_PGCITI");
   // 2 header lines, then per pointer 3 lines and 74 lines of an all-zero chain
   // (2 + 1 + 1 + 40 + 5 + 17 + 2 + 2 + 2 + 2).
-  EXPECT_EQ(f.lines().size(), 2u + 2u * (3u + 74u));
+  EXPECT_EQ(f.lines().size(), 2u + 259u * (3u + 74u));
   EXPECT_EQ(f.lines()[0], "Number of VTS_PGCI_SRP: 65535");
   EXPECT_TRUE(HasLine(f, "  VTS_PGC Category 2: 81000000"));
+  EXPECT_TRUE(HasLine(f, "  VTS_PGC Category 259: 00000000"));
+  EXPECT_TRUE(HasLine(f, "  VTS_PGCI memory offset address 259: 0"));
   EXPECT_TRUE(HasLine(f, "     PGC: Number of Programs: 0"));
+}
+
+// A truncated table: 3 chains, end address 1000, but the file ends after the first search
+// pointer (category 80000000, offset 32). Pointers 2 and 3 and all three chains lie beyond the
+// end of the file and read as zeros; every chain the header counts is listed.
+std::vector<std::uint8_t> TruncatedThreeChains() {
+  std::vector<std::uint8_t> table(16, 0);
+  ByteWriter w(table);
+  w.put_be16(0, 3);
+  w.put_be32(4, 1000);
+  w.put_be32(8, 0x80000000);
+  w.put_be32(12, 32);
+  std::vector<std::uint8_t> image = VtsWithPgcit(table);
+  image.resize(2048 + 16);
+  return image;
+}
+
+TEST(VtsPgcitReportTest, TruncatedFileListsEveryChainWithZerosBeyondItsEnd) {
+  Fixture f;
+  OpenImage(f, TruncatedThreeChains());
+  PressDetailsOn(f, "VTS_PGCITI");
+  ASSERT_EQ(f.lines().size(), 2u + 3u * (3u + 74u));
+  EXPECT_EQ(f.lines()[2], "  VTS_PGC Category 1: 80000000");
+  EXPECT_EQ(f.lines()[3], "  VTS_PGCI memory offset address 1: 32");
+  EXPECT_EQ(f.lines()[2 + 77], "  VTS_PGC Category 2: 00000000");
+  EXPECT_EQ(f.lines()[2 + 2 * 77 + 1], "  VTS_PGCI memory offset address 3: 0");
+  EXPECT_EQ(f.lines()[2 + 2 * 77 + 2], "    Program Chain Information Table (PGCI) 3");
+}
+
+TEST(VtsPgcitAssembleTest, TruncatedFileDisassemblesAndAssemblesEveryChain) {
+  Fixture f;
+  OpenImage(f, TruncatedThreeChains());
+  std::string text = test::DisassembleTables(f, {TableId::kVtsPgcit});
+  EXPECT_NE(text.find("vts_pgci_srp_ns=3\r\n"), std::string::npos);
+  EXPECT_NE(text.find("vts_pgc_cat03=00000000\r\nvts_pgci_sa03=0\r\n"), std::string::npos);
+  EXPECT_NE(text.find("[vts_pgcit03]"), std::string::npos);
+  // Three all-zero chains of a bare 236-byte header each after 3 pointers:
+  // 8 + 24 + 3 x 236 = 740 bytes; offsets 32, 268 and 504; end address 739.
+  test::EmittedTable t = test::LoadAndEmit(f, TableId::kVtsPgcit);
+  EXPECT_EQ(t.bytes, 740u);
+  ByteView v(t.file);
+  EXPECT_EQ(v.be16(0), 3u);
+  EXPECT_EQ(v.be32(4), 739u);
+  EXPECT_EQ(v.be32(8), 0x80000000u);
+  EXPECT_EQ(v.be32(12), 32u);
+  EXPECT_EQ(v.be32(20), 268u);
+  EXPECT_EQ(v.be32(28), 504u);
 }
 
 TEST(VtsPgcitDisassembleTest, WritesPointerKeysAndTheChainSection) {
@@ -164,6 +215,21 @@ TEST(VtsPgcitAssembleTest, DisassembledTableAssemblesBackToTheSameBytes) {
   expected.resize(2048, 0);
   EXPECT_EQ(test::EmitInto(f, TableId::kVtsPgcit), expected);
   EXPECT_TRUE(f.ui.Messages().empty());
+}
+
+// Loading, measuring and writing a table keep apart from the table of the open IFO: its
+// details afterwards still show the file's header (1 chain, end address 333), not the
+// source's count of 2.
+TEST(VtsPgcitAssembleTest, AssemblyLeavesTheOpenTableAlone) {
+  Fixture f;
+  OpenImage(f, VtsWithPgcit(OnePgcTable()));
+  test::UseSource(f, "[vts_pgcit]\nvts_pgci_srp_ns=2\nvts_pgc_cat01=1\nvts_pgc_cat02=2\n");
+  test::EmittedTable t = test::LoadAndEmit(f, TableId::kVtsPgcit);
+  EXPECT_EQ(ByteView(t.file).be16(0), 2u);
+  ReportTable(*f.ctx, TableId::kVtsPgcit);
+  ASSERT_GE(f.lines().size(), 2u);
+  EXPECT_EQ(f.lines()[0], "Number of VTS_PGCI_SRP: 1");
+  EXPECT_EQ(f.lines()[1], "End byte address of VTS_PGCI table: 333");
 }
 
 TEST(VtsPgcitAssembleTest, SourceOffsetsAreIgnoredAndAlwaysRecomputed) {

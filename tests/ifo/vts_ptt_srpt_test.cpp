@@ -191,8 +191,9 @@ TEST(SrptPartRulesTest, CountIsReadLikeAtolAndTruncated) {
   EXPECT_EQ(ByteView(t.file).be16(0), 1u);
 }
 
-// The body is read with zeros beyond the end of the file; the loops over the 16-bit unit count
-// and the 32-bit offsets are bounded by the file length.
+// The body is read with zeros beyond the end of the file; the loop over the 16-bit unit count
+// runs in full, the parts, whose extent comes from the 32-bit offsets, are bounded by the file
+// length.
 TEST(SrptPartRulesTest, HostileOffsetsAreBoundedByTheFileLength) {
   Fixture f;
   // 65535 units, end address 0xFFFFFFFF, units alternating between offsets 8 and
@@ -213,14 +214,39 @@ TEST(SrptPartRulesTest, HostileOffsetsAreBoundedByTheFileLength) {
       kFileIfo);
   ShowIfoOverview(*f.ctx);
   std::vector<std::string> lines = test::DetailsOf(f, "PTT_SRPTI");
-  // 64 pointers begin inside the file (256 bytes after the header), so 64 units; all parts
-  // together are bounded by the 64 4-byte positions inside the file.
-  ASSERT_EQ(lines.size(), 2u + 64u + 64u);
+  // All 65535 units are listed; the pointers of units 65 on lie beyond the end of the file and
+  // read 0. All parts together are bounded by the 64 4-byte positions inside the file (256
+  // bytes after the header).
+  ASSERT_EQ(lines.size(), 2u + 65535u + 64u);
   EXPECT_EQ(lines[2], "  Starting memory address of TTU 1: 8");
   EXPECT_EQ(lines[3], "  Starting memory address of TTU 2: 2147483647");
+  EXPECT_EQ(lines[66], "  Starting memory address of TTU 65: 0");
+  EXPECT_EQ(lines[65536], "  Starting memory address of TTU 65535: 0");
   // Unit 1 runs from offset 8 (body position 0, the first pointer: 00 00 00 08) on.
-  EXPECT_EQ(lines[66], "    Program chain number (PGCN): 0 Program number (PG): 8");
-  EXPECT_EQ(lines[67], "    Program chain number (PGCN): 32767 Program number (PG): 255");
+  EXPECT_EQ(lines[65537], "    Program chain number (PGCN): 0 Program number (PG): 8");
+  EXPECT_EQ(lines[65538], "    Program chain number (PGCN): 32767 Program number (PG): 255");
+}
+
+// A truncated table: 3 units, end address 27, but the file ends after the first pointer
+// (offset 20). Units 2 and 3 read their offsets as 0; unit 1's parts run from 20 up to unit
+// 2's offset 0, so there are none.
+TEST(SrptPartRulesTest, TruncatedFileListsEveryUnitWithZerosBeyondItsEnd) {
+  Fixture f;
+  std::vector<std::uint8_t> table = {0x00, 0x03, 0x00, 0x00, 0x00, 0x00,
+                                     0x00, 0x1B, 0x00, 0x00, 0x00, 0x14};
+  std::vector<std::uint8_t> image = test::MakeVtsImage();
+  ByteWriter(image).put_be32(kVtsPttSrptSa, 1);
+  image.insert(image.end(), table.begin(), table.end());
+  test::OpenIfo(f, "VTS_01_0.IFO", image);
+  EXPECT_EQ(test::DetailsOf(f, "PTT_SRPTI"),
+            (std::vector<std::string>{
+                "Number of Title Unit Serch Pointers TTUs in the VTS: 3",
+                "End byte address of PTT_SRPT table: 27", "  Starting memory address of TTU 1: 20",
+                "  Starting memory address of TTU 2: 0", "  Starting memory address of TTU 3: 0"}));
+  std::string text = test::DisassembleTables(f, {TableId::kVtsPttSrpt});
+  EXPECT_EQ(test::SectionLines(text, "vts_ptt_srpt"),
+            (std::vector<std::string>{"vts_ttu_ns=3", "vts_ptt_srpt_ea=27", "ttu_sa01=20",
+                                      "ttu_sa02=0", "ttu_sa03=0"}));
 }
 
 TEST(SrptPartRulesTest, EntriesBeyondTheEndOfTheFileReadZero) {

@@ -258,9 +258,8 @@ TEST(TmaptRulesTest, DecimalValuesAreTruncated) {
   EXPECT_EQ(v.be32(20), 7u);
 }
 
-// Body with zeros beyond the end of the file; loops over the 16-bit counts bounded by the
-// file length.
-TEST(TmaptRulesTest, HostileCountsAreBoundedByTheFileLength) {
+// Body with zeros beyond the end of the file; the loops over the 16-bit counts run in full.
+TEST(TmaptRulesTest, HostileCountsRunInFullOverZeros) {
   Fixture f;
   // 65535 maps and end address 0xFFFFFFFF; the file ends after 16 pointers, each 8: every
   // map's head is body position 0, the first pointer 00 00 00 08 (time unit 0, 8 entries).
@@ -273,36 +272,91 @@ TEST(TmaptRulesTest, HostileCountsAreBoundedByTheFileLength) {
   image.insert(image.end(), table.begin(), table.end());
   test::OpenIfo(f, "VTS_01_0.IFO", image);
   std::vector<std::string> lines = test::DetailsOf(f, "VTS_TMAPT");
-  // 16 pointers begin inside the file: 16 maps of 8 declared entries each, whose entries
-  // (body positions 4 .. 32) all lie inside it; all maps together are bounded by the 16 4-byte
-  // positions the file holds after the header, so maps 1 and 2 list 8 entries, the rest none.
+  // All 65535 maps are listed. Maps 1 to 16 have 8 entries each (body positions 4 .. 32, the
+  // pointers 00 00 00 08 again: address 8); the pointers of maps 17 on lie beyond the end of
+  // the file and read 0, an offset inside the header: no time unit, no entries.
   std::size_t entry_lines = 0;
   for (const std::string& line : lines) entry_lines += line.starts_with("    ") ? 1 : 0;
-  EXPECT_EQ(lines.size(), 2u + 16u * 2u + 16u);
-  EXPECT_EQ(entry_lines, 16u);
+  EXPECT_EQ(lines.size(), 2u + 65535u * 2u + 16u * 8u);
+  EXPECT_EQ(entry_lines, 16u * 8u);
   EXPECT_EQ(lines[1], "End byte address of VTS_TMAPT_EA table: -1");
   EXPECT_EQ(lines[3], "  Time map 1 contains 8 entries using time unit of 0 seconds.");
   EXPECT_EQ(lines[4], "    Entry 1 at sector address 8");
+  EXPECT_EQ(lines[11], "    Entry 8 at sector address 8");
+  EXPECT_EQ(lines.back(), "  Time map 65535 contains 0 entries using time unit of 0 seconds.");
 }
 
-TEST(TmaptRulesTest, EntriesBeyondTheEndOfTheFileReadZero) {
+// Maps that share their entries cannot multiply the work: three maps at offset 20 share the
+// head 01 00 FF FF (65535 entries), and the file ends right after it. The entries of all maps
+// together are bounded by one map's largest count (the file holds only 4 4-byte positions after
+// the header), so map 1 lists its 65535 entries, all beyond the end of the file and 0, and the
+// others none.
+TEST(TmaptRulesTest, MapsSharingTheirEntriesCannotMultiplyTheWork) {
   Fixture f;
-  // One map at 12 with 3 declared entries; the file ends two bytes into entry 2.
-  std::vector<std::uint8_t> table = {0x00, 0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x1B,
-                                     0x00, 0x00, 0x00, 0x0C, 0x01, 0x00, 0x00, 0x03,
-                                     0x00, 0x00, 0x00, 0x05, 0x80, 0x01};
+  std::vector<std::uint8_t> table = {0x00, 0x03, 0x00, 0x00, 0xFF, 0xFF, 0xFF, 0xFF,
+                                     0x00, 0x00, 0x00, 0x14, 0x00, 0x00, 0x00, 0x14,
+                                     0x00, 0x00, 0x00, 0x14, 0x01, 0x00, 0xFF, 0xFF};
   std::vector<std::uint8_t> image = test::MakeVtsImage();
   ByteWriter(image).put_be32(kVtsTmaptSa, 1);
   image.insert(image.end(), table.begin(), table.end());
   test::OpenIfo(f, "VTS_01_0.IFO", image);
-  EXPECT_EQ(test::DetailsOf(f, "VTS_TMAPT"),
-            (std::vector<std::string>{
-                "Number of VTS_TMAPS: 1", "End byte address of VTS_TMAPT_EA table: 27",
-                "  Time map 1 byte start address 12.",
-                "  Time map 1 contains 3 entries using time unit of 1 seconds.",
-                "    Entry 1 at sector address 5",
-                // 80 01 then two zero bytes: discontinuity, address 0x00010000.
-                "    Discontinuity Entry 2 at sector address 65536"}));
+  std::vector<std::string> lines = test::DetailsOf(f, "VTS_TMAPT");
+  ASSERT_EQ(lines.size(), 2u + 3u * 2u + 65535u);
+  EXPECT_EQ(lines[3], "  Time map 1 contains 65535 entries using time unit of 1 seconds.");
+  EXPECT_EQ(lines[4], "    Entry 1 at sector address 0");
+  EXPECT_EQ(lines[65538], "    Entry 65535 at sector address 0");
+  EXPECT_EQ(lines[65539], "  Time map 2 byte start address 20.");
+  EXPECT_EQ(lines[65540], "  Time map 2 contains 65535 entries using time unit of 1 seconds.");
+  EXPECT_EQ(lines[65542], "  Time map 3 contains 65535 entries using time unit of 1 seconds.");
+}
+
+// A truncated table: one map at 12 with 3 declared entries; the file ends two bytes into entry
+// 2. Entry 2 reads its missing bytes as 0 and entry 3 lies wholly beyond the end: 0.
+std::vector<std::uint8_t> TruncatedMap() {
+  return {0x00, 0x01, 0x00, 0x00, 0x00, 0x00, 0x00, 0x1B, 0x00, 0x00, 0x00,
+          0x0C, 0x01, 0x00, 0x00, 0x03, 0x00, 0x00, 0x00, 0x05, 0x80, 0x01};
+}
+
+TEST(TmaptRulesTest, EntriesBeyondTheEndOfTheFileReadZero) {
+  Fixture f;
+  std::vector<std::uint8_t> table = TruncatedMap();
+  std::vector<std::uint8_t> image = test::MakeVtsImage();
+  ByteWriter(image).put_be32(kVtsTmaptSa, 1);
+  image.insert(image.end(), table.begin(), table.end());
+  test::OpenIfo(f, "VTS_01_0.IFO", image);
+  EXPECT_EQ(
+      test::DetailsOf(f, "VTS_TMAPT"),
+      (std::vector<std::string>{
+          "Number of VTS_TMAPS: 1", "End byte address of VTS_TMAPT_EA table: 27",
+          "  Time map 1 byte start address 12.",
+          "  Time map 1 contains 3 entries using time unit of 1 seconds.",
+          "    Entry 1 at sector address 5",
+          // 80 01 then two zero bytes: discontinuity, address 0x00010000.
+          "    Discontinuity Entry 2 at sector address 65536", "    Entry 3 at sector address 0"}));
+}
+
+TEST(TmaptRulesTest, TruncatedFileDisassemblesAndAssemblesEveryEntry) {
+  Fixture f;
+  std::vector<std::uint8_t> table = TruncatedMap();
+  std::vector<std::uint8_t> image = test::MakeVtsImage();
+  ByteWriter(image).put_be32(kVtsTmaptSa, 1);
+  image.insert(image.end(), table.begin(), table.end());
+  test::OpenIfo(f, "VTS_01_0.IFO", image);
+  std::string text = test::DisassembleTables(f, {TableId::kVtsTmapt});
+  std::vector<std::string> keys = test::SectionLines(text, "vts_tmapti");
+  ASSERT_EQ(keys.size(), 3u + 2u * 3u);
+  EXPECT_EQ(keys[7], "vts_tmap01_entry03_discon=0");
+  EXPECT_EQ(keys[8], "vts_tmap01_entry03_address=0");
+  // Assembled back: 8 + 4 + (4 + 4 x 3) = 28 bytes, end address 27, the map at 12.
+  test::EmittedTable t = test::LoadAndEmit(f, TableId::kVtsTmapt);
+  EXPECT_EQ(t.bytes, 28u);
+  ByteView v(t.file);
+  EXPECT_EQ(v.be32(4), 27u);
+  EXPECT_EQ(v.be32(8), 12u);
+  EXPECT_EQ(v.be32(12), 0x01000003u);
+  EXPECT_EQ(v.be32(16), 5u);
+  EXPECT_EQ(v.be32(20), 0x80010000u);
+  EXPECT_EQ(v.be32(24), 0u);
 }
 
 // Every report and disassembly reads the table afresh from the file.
