@@ -85,18 +85,9 @@ bool CreateOutput(AppContext& ctx, RecordReader& reader, WaitCursor& cursor, Out
   return false;
 }
 
-// Writes the payload bytes of the current record. While the record lies in the reader's block
-// they are lent to the file, which writes them straight from there before the block goes.
-void WritePayload(OutputFile& file, const RecordReader& reader, std::uint32_t start,
-                  std::int32_t length) {
-  ByteView record = reader.view();
+void WriteBytes(OutputFile& file, ByteView record, std::uint32_t start, std::int32_t length) {
   ByteRange range = PayloadBytes(record.size(), start, length);
-  ByteView bytes = record.sub(range.offset, range.size);
-  if (reader.RecordInBlock()) {
-    file.WriteLent(bytes);
-  } else {
-    file.Write(bytes);
-  }
+  file.Write(record.sub(range.offset, range.size));
 }
 
 // ---------------------------------------------------------------------------------------
@@ -206,13 +197,10 @@ void WriteSwapped(OutputFile& file, RecordReader& reader, ByteRange range) {
 }  // namespace
 
 void ExtractAudio(AppContext& ctx) {
-  std::array<AudioSlot, 8> slots;  // made before the reader, which flushes them when it goes
+  std::array<AudioSlot, 8> slots;
   ctx.ClearReportList();
   WaitCursor cursor(ctx.ui);
   RecordReader reader(ctx.open.file_handle);
-  reader.SetBeforeLettingGo([&slots] {
-    for (AudioSlot& slot : slots) slot.file.Flush();
-  });
   AudioPayload payload;  // an unknown sub-stream keeps the previous pack's start and length
   LpcmParameters lpcm;
   for (;;) {
@@ -251,7 +239,7 @@ void ExtractAudio(AppContext& ctx) {
       WriteSwapped(slot.file, reader, range);
       slot.count += static_cast<std::uint32_t>(range.size);
     } else {
-      WritePayload(slot.file, reader, payload.start, payload.length);
+      slot.file.Write(record.sub(range.offset, range.size));
     }
   }
   for (AudioSlot& slot : slots) {
@@ -323,15 +311,14 @@ void CopyPacks(AppContext& ctx, RecordReader& reader, OutputFile& out, std::int3
 void ExtractVideoStream(AppContext& ctx, bool stills) {
   ctx.ClearReportList();
   WaitCursor cursor(ctx.ui);
-  OutputFile out;  // made before the reader, which flushes it when it goes
   RecordReader reader(ctx.open.file_handle);
-  reader.SetBeforeLettingGo([&out] { out.Flush(); });
   if (!FindFirstPack(ctx, reader, kSectorVideo)) return;
 
   auto chosen = ChooseOutput(ctx, stills ? ChooserPurpose::kStills : ChooserPurpose::kVideo,
                              "MPEG Video(*.M2V)|*.M2V|", "");
   if (!chosen) return;
   cursor.On();
+  OutputFile out;
   std::string base;
   std::int32_t counter = 0;
   if (stills) {
@@ -346,7 +333,7 @@ void ExtractVideoStream(AppContext& ctx, bool stills) {
 
   CopyPacks(ctx, reader, out, kSectorVideo, [&](ByteView record) {
     VideoPayload payload = LocateVideoPayload(record);
-    WritePayload(out, reader, payload.start, payload.length);
+    WriteBytes(out, record, payload.start, payload.length);
     if (!stills || !HasSequenceEnd(record, payload.start)) return true;
     // The rest of this pack went to the file just closed; the next still starts with the
     // next video pack.
@@ -370,9 +357,7 @@ void ExtractStills(AppContext& ctx) {
 void ExtractSubPictures(AppContext& ctx) {
   ctx.ClearReportList();
   WaitCursor cursor(ctx.ui);
-  OutputFile out;  // made before the reader, which flushes it when it goes
   RecordReader reader(ctx.open.file_handle);
-  reader.SetBeforeLettingGo([&out] { out.Flush(); });
   if (!FindFirstPack(ctx, reader, kSectorSubPicture)) return;
 
   std::uint16_t stream_field = 0;  // never changed: every name carries "00"
@@ -381,6 +366,7 @@ void ExtractSubPictures(AppContext& ctx) {
   cursor.On();
   std::string base = BaseName(*chosen);
   std::uint16_t counter = 1;
+  OutputFile out;
   std::string name = Format("%s%02d%04d.SUP", {base, stream_field, counter});
   counter = 2;
   if (!CreateOutput(ctx, reader, cursor, out, name, name)) return;
@@ -396,7 +382,7 @@ void ExtractSubPictures(AppContext& ctx) {
       if (!CreateOutput(ctx, reader, cursor, out, name, name)) return false;
       record = reader.view();  // making the file may have dropped the reader's window
     }
-    WritePayload(out, reader, payload.start, payload.length);
+    WriteBytes(out, record, payload.start, payload.length);
     written = true;
     return true;
   });

@@ -13,8 +13,6 @@ OutputFile& OutputFile::operator=(OutputFile&& other) noexcept {
     buffer_ = std::move(other.buffer_);
     used_ = std::exchange(other.used_, 0);
     buffer_size_ = other.buffer_size_;
-    pieces_ = std::move(other.pieces_);
-    lent_ = std::exchange(other.lent_, 0);
   }
   return *this;
 }
@@ -26,23 +24,10 @@ bool OutputFile::Create(const std::string& path, std::size_t buffer_size) {
   created.Close();
   file_ = File::OpenReadWrite(path);
   created_ = true;
-  if (buffer_size == 0) buffer_size = 1;
   if (buffer_size != buffer_size_) buffer_.reset();
-  buffer_size_ = buffer_size;
+  buffer_size_ = buffer_size == 0 ? 1 : buffer_size;
+  used_ = 0;
   return true;
-}
-
-// Adds bytes to the pieces to be written; bytes that continue the last piece extend it.
-void OutputFile::AddPiece(const std::uint8_t* data, std::size_t n) {
-  if (!pieces_.empty()) {
-    ByteView& last = pieces_.back();
-    if (last.data() + last.size() == data) {
-      last = ByteView(last.data(), last.size() + n);
-      return;
-    }
-  }
-  if (pieces_.capacity() == 0) pieces_.reserve(kMaxPieces);
-  pieces_.emplace_back(data, n);
 }
 
 void OutputFile::Write(ByteView bytes) {
@@ -57,7 +42,7 @@ void OutputFile::Write(ByteView bytes) {
 
 std::uint8_t* OutputFile::Extend(std::size_t n) {
   if (!created_) return nullptr;
-  if (used_ + n > buffer_size_ || pieces_.size() >= kMaxPieces) Flush();
+  if (used_ + n > buffer_size_) Flush();
   if (n > buffer_size_) {  // a block larger than the buffer: the buffer grows to hold it
     buffer_size_ = n;
     buffer_.reset();
@@ -65,15 +50,7 @@ std::uint8_t* OutputFile::Extend(std::size_t n) {
   if (!buffer_) buffer_ = std::make_unique_for_overwrite<std::uint8_t[]>(buffer_size_);
   std::uint8_t* room = buffer_.get() + used_;
   used_ += n;
-  AddPiece(room, n);
   return room;
-}
-
-void OutputFile::WriteLent(ByteView bytes) {
-  if (!created_ || bytes.size() == 0) return;
-  if (lent_ + bytes.size() > buffer_size_ || pieces_.size() >= kMaxPieces) Flush();
-  lent_ += bytes.size();
-  AddPiece(bytes.data(), bytes.size());
 }
 
 void OutputFile::PatchLe32(std::int64_t offset, std::uint32_t value) {
@@ -86,10 +63,8 @@ void OutputFile::PatchLe32(std::int64_t offset, std::uint32_t value) {
 }
 
 void OutputFile::Flush() {
-  if (!pieces_.empty()) file_.WriteGather(pieces_);
-  pieces_.clear();
+  if (used_ != 0) file_.Write(buffer_.get(), used_);
   used_ = 0;
-  lent_ = 0;
 }
 
 void OutputFile::Close() {

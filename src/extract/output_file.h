@@ -3,17 +3,12 @@
 // writing. Writes are collected and handed to the system in large blocks; Flush() and Close()
 // (also run by the destructor) write out everything collected, so the file always ends up
 // with every byte written to it, whichever way the extraction ends.
-//
-// Bytes can also be lent instead of copied (WriteLent): the file then writes them straight
-// from where they lie, in order with the rest, at the next Flush(). The lender keeps them
-// alive and unchanged until then.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "platform/bytes.h"
 #include "platform/file_io.h"
@@ -23,7 +18,6 @@ namespace tarvex {
 class OutputFile {
  public:
   static constexpr std::size_t kDefaultBufferSize = 256 * 1024;  // bytes
-  static constexpr std::size_t kMaxPieces = 1024;  // pieces collected before they are written
 
   OutputFile() = default;
   ~OutputFile() { Close(); }
@@ -38,28 +32,21 @@ class OutputFile {
   // True from a successful Create() until Close().
   bool is_open() const { return created_; }
 
-  // Copies the bytes into the write buffer.
   void Write(ByteView bytes);
   // Room for the next n bytes of the file, for the caller to fill at once: bytes that are made
   // on their way out need no copy of their own. Null when no file was created.
   std::uint8_t* Extend(std::size_t n);
-  // Takes the bytes without copying them; they must stay as they are until the next Flush().
-  void WriteLent(ByteView bytes);
-  // Writes a 32-bit little-endian number at an absolute file offset (after the collected bytes).
+  // Writes a 32-bit little-endian number at an absolute file offset (after the buffered bytes).
   void PatchLe32(std::int64_t offset, std::uint32_t value);
   void Flush();
   void Close();
 
  private:
-  void AddPiece(const std::uint8_t* data, std::size_t n);
-
   File file_;
   bool created_ = false;
   std::unique_ptr<std::uint8_t[]> buffer_;  // made by the first write, kept until destruction
-  std::size_t used_ = 0;                    // bytes of buffer_ in use
+  std::size_t used_ = 0;                    // bytes collected in buffer_
   std::size_t buffer_size_ = kDefaultBufferSize;
-  std::vector<ByteView> pieces_;  // what the next Flush() writes, in file order
-  std::size_t lent_ = 0;          // bytes of pieces_ that lie outside buffer_
 };
 
 }  // namespace tarvex

@@ -15,7 +15,6 @@ RecordReader::RecordReader(File& file, std::size_t block_size)
 }
 
 RecordReader::~RecordReader() {
-  if (before_letting_go_) before_letting_go_();
   if (!released_) file_.Seek(position_);
 }
 
@@ -47,7 +46,6 @@ void RecordReader::ChangeWhenKept(Change change, std::size_t offset, std::size_t
 }
 
 void RecordReader::DropReadAhead() {
-  if (before_letting_go_ && base_ != nullptr) before_letting_go_();
   KeepCurrent();
   mapping_.Reset();
   base_ = nullptr;

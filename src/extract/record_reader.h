@@ -9,9 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <span>
-#include <utility>
 #include <vector>
 
 #include "platform/bytes.h"
@@ -38,13 +36,6 @@ class RecordReader {
   std::size_t Next();
   // The current record: always 2048 bytes.
   ByteView view() const { return {current_, kRecordSize}; }
-  // True when the current record lies in the block, whose bytes stay as they are until the
-  // block is let go: then its bytes may be lent to an output file (see SetBeforeLettingGo).
-  bool RecordInBlock() const { return current_ != own_data_; }
-  // What to do before the reader lets its block go (at the end of the block, on
-  // DropReadAhead() and Rewind(), and when the reader is destroyed): typically flushing the
-  // output files that were lent bytes of the block.
-  void SetBeforeLettingGo(std::function<void()> hook) { before_letting_go_ = std::move(hook); }
   // A change to the bytes of the current record in place, made only when somebody can still
   // see it: when a later short read keeps the record's bytes behind its own, or at once when
   // the record is already the reader's own copy. A caller that goes on with its own changed
@@ -88,7 +79,6 @@ class RecordReader {
     std::size_t size = 0;
   };
   PendingChange pending_;  // for the current record while it still lies in the block
-  std::function<void()> before_letting_go_;
 };
 
 }  // namespace tarvex

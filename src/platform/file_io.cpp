@@ -3,7 +3,6 @@
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <sys/stat.h>
-#include <sys/uio.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -80,51 +79,6 @@ std::size_t File::Write(const void* buf, std::size_t n) {
     if (put < 0 && errno == EINTR) continue;
     if (put <= 0) break;
     done += static_cast<std::size_t>(put);
-  }
-  return done;
-}
-
-namespace {
-
-constexpr std::size_t kMaxPiecesPerCall = 1024;  // IOV_MAX on Linux
-
-// Drops `put` written bytes from the front of the pieces list.
-void Consume(std::span<iovec>& list, std::size_t put) {
-  while (!list.empty() && put >= list.front().iov_len) {
-    put -= list.front().iov_len;
-    list = list.subspan(1);
-  }
-  if (!list.empty()) {
-    list.front().iov_base = static_cast<char*>(list.front().iov_base) + put;
-    list.front().iov_len -= put;
-  }
-}
-
-}  // namespace
-
-std::size_t File::WriteGather(std::span<const ByteView> pieces) {
-  if (fd_ < 0) return 0;
-  std::size_t done = 0;
-  iovec vec[kMaxPiecesPerCall];
-  while (!pieces.empty()) {
-    std::size_t n = std::min(pieces.size(), kMaxPiecesPerCall);
-    std::size_t wanted = 0;
-    for (std::size_t i = 0; i < n; ++i) {
-      vec[i].iov_base = const_cast<std::uint8_t*>(pieces[i].data());
-      vec[i].iov_len = pieces[i].size();
-      wanted += pieces[i].size();
-    }
-    pieces = pieces.subspan(n);
-    std::span<iovec> left(vec, n);
-    std::size_t put_total = 0;
-    while (put_total < wanted) {
-      ssize_t put = ::writev(fd_, left.data(), static_cast<int>(left.size()));
-      if (put < 0 && errno == EINTR) continue;
-      if (put <= 0) return done + put_total;
-      put_total += static_cast<std::size_t>(put);
-      Consume(left, static_cast<std::size_t>(put));
-    }
-    done += put_total;
   }
   return done;
 }

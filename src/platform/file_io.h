@@ -4,10 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <span>
 #include <string>
-
-#include "platform/bytes.h"
 
 namespace tarvex {
 
@@ -60,9 +57,6 @@ class File {
   std::size_t Read(void* buf, std::size_t n);
   // Writes n bytes; returns the number written.
   std::size_t Write(const void* buf, std::size_t n);
-  // Writes the pieces one after the other, in as few system calls as it can; returns the
-  // number of bytes written.
-  std::size_t WriteGather(std::span<const ByteView> pieces);
   // Moves to an absolute position; returns the new position or -1.
   std::int64_t Seek(std::int64_t pos);
   std::int64_t Tell() const;

@@ -175,42 +175,6 @@ TEST(RecordReader, ChangeWhenKeptIsMadeAtOnceOnTheReadersOwnRecord) {
   EXPECT_EQ(reader.view().data()[100], 0xEE);
 }
 
-TEST(RecordReader, RunsItsHookBeforeLettingEachBlockGo) {
-  TempDir dir;
-  WriteFileBytes(dir.file("in"), Pattern(5 * 2048, 1));
-  File file = File::OpenRead(dir.file("in"));
-  std::vector<std::int64_t> seen;  // the position at each call
-  {
-    RecordReader reader(file, 4096);
-    reader.SetBeforeLettingGo([&] { seen.push_back(reader.position()); });
-    while (reader.Next() != 0) {
-    }
-    EXPECT_EQ(seen, (std::vector<std::int64_t>{4096, 8192, 10240}));  // the end of each block
-    reader.Rewind();                                                  // lets the last block go
-    EXPECT_EQ(seen.size(), 4u);
-    reader.Next();
-    reader.DropReadAhead();
-    EXPECT_EQ(seen.size(), 5u);
-    reader.Next();
-  }
-  EXPECT_EQ(seen.size(), 6u);  // and once more when the reader goes
-}
-
-TEST(RecordReader, OnlyRecordsOfTheBlockLieInIt) {
-  TempDir dir;
-  WriteFileBytes(dir.file("in"), Pattern(2 * 2048 + 7, 1));
-  File file = File::OpenRead(dir.file("in"));
-  RecordReader reader(file, 8192);
-  reader.Next();
-  EXPECT_TRUE(reader.RecordInBlock());
-  reader.DropReadAhead();
-  EXPECT_FALSE(reader.RecordInBlock());  // kept in the reader's own buffer
-  reader.Next();
-  EXPECT_TRUE(reader.RecordInBlock());
-  EXPECT_EQ(reader.Next(), 7u);
-  EXPECT_FALSE(reader.RecordInBlock());  // a short record is made in the reader's own buffer
-}
-
 TEST(RecordReader, LeavesTheFileAtThePositionOfTheLastRead) {
   TempDir dir;
   WriteFileBytes(dir.file("in"), Pattern(10 * 2048, 1));

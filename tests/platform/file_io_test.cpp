@@ -31,39 +31,6 @@ TEST(FileIoTest, CreateTruncatesAndWrites) {
   EXPECT_EQ(test::ReadFileText(path), "ab");
 }
 
-TEST(FileIoTest, GatherWriteWritesEveryPieceInOrder) {
-  test::TempDir dir;
-  std::string path = dir.file("out.bin");
-  // 2500 one- and two-byte pieces taken from two separate arrays, more than one system call
-  // takes at once.
-  std::vector<std::uint8_t> even(2500), odd(2500);
-  std::vector<ByteView> pieces;
-  std::vector<std::uint8_t> expected;
-  for (std::size_t i = 0; i < 2500; ++i) {
-    even[i] = static_cast<std::uint8_t>(i);
-    odd[i] = static_cast<std::uint8_t>(i * 7 + 1);
-  }
-  for (std::size_t i = 0; i < 2500; ++i) {
-    std::vector<std::uint8_t>& from = i % 2 == 0 ? even : odd;
-    std::size_t n = i % 3 == 0 ? 2 : 1;
-    if (i + n > from.size()) n = 1;
-    pieces.emplace_back(from.data() + i, n);
-    expected.insert(expected.end(), from.begin() + static_cast<std::ptrdiff_t>(i),
-                    from.begin() + static_cast<std::ptrdiff_t>(i + n));
-  }
-  File f = File::Create(path);
-  EXPECT_EQ(f.WriteGather(pieces), expected.size());
-  f.Close();
-  EXPECT_EQ(test::ReadFileBytes(path), expected);
-}
-
-TEST(FileIoTest, GatherWriteOnAClosedFileWritesNothing) {
-  File f;
-  std::uint8_t byte = 1;
-  ByteView piece(&byte, 1);
-  EXPECT_EQ(f.WriteGather(std::span<const ByteView>(&piece, 1)), 0u);
-}
-
 TEST(FileIoTest, FifoIsRefusedWithoutBlocking) {
   test::TempDir dir;
   std::string path = dir.file("pipe.vob");
