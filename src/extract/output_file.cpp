@@ -13,6 +13,7 @@ OutputFile& OutputFile::operator=(OutputFile&& other) noexcept {
     buffer_ = std::move(other.buffer_);
     used_ = std::exchange(other.used_, 0);
     buffer_size_ = other.buffer_size_;
+    written_ = std::exchange(other.written_, 0);
   }
   return *this;
 }
@@ -35,6 +36,7 @@ void OutputFile::Write(ByteView bytes) {
   if (bytes.size() >= buffer_size_) {
     Flush();
     file_.Write(bytes.data(), bytes.size());
+    written_ += bytes.size();
     return;
   }
   std::memcpy(Extend(bytes.size()), bytes.data(), bytes.size());
@@ -42,6 +44,7 @@ void OutputFile::Write(ByteView bytes) {
 
 std::uint8_t* OutputFile::Extend(std::size_t n) {
   if (!created_) return nullptr;
+  if (used_ + n > buffer_size_) WriteFullBuffer();
   if (used_ + n > buffer_size_) Flush();
   if (n > buffer_size_) {  // a block larger than the buffer: the buffer grows to hold it
     buffer_size_ = n;
@@ -62,8 +65,19 @@ void OutputFile::PatchLe32(std::int64_t offset, std::uint32_t value) {
   file_.Write(bytes, sizeof bytes);
 }
 
+void OutputFile::WriteFullBuffer() {
+  std::uint64_t aligned_end = (written_ + used_) / kWriteAlignment * kWriteAlignment;
+  if (aligned_end <= written_) return;
+  auto n = static_cast<std::size_t>(aligned_end - written_);
+  file_.Write(buffer_.get(), n);
+  written_ += n;
+  used_ -= n;
+  std::memmove(buffer_.get(), buffer_.get() + n, used_);
+}
+
 void OutputFile::Flush() {
   if (used_ != 0) file_.Write(buffer_.get(), used_);
+  written_ += used_;
   used_ = 0;
 }
 

@@ -18,6 +18,9 @@ namespace tarvex {
 class OutputFile {
  public:
   static constexpr std::size_t kDefaultBufferSize = 256 * 1024;  // bytes
+  // A full buffer is written up to the last multiple of this in the file, the rest kept for
+  // the next write: the system takes whole, aligned pages faster than pages cut anywhere.
+  static constexpr std::size_t kWriteAlignment = 64 * 1024;  // bytes
 
   OutputFile() = default;
   ~OutputFile() { Close(); }
@@ -42,11 +45,15 @@ class OutputFile {
   void Close();
 
  private:
+  // Makes room in a full buffer.
+  void WriteFullBuffer();
+
   File file_;
   bool created_ = false;
   std::unique_ptr<std::uint8_t[]> buffer_;  // made by the first write, kept until destruction
   std::size_t used_ = 0;                    // bytes collected in buffer_
   std::size_t buffer_size_ = kDefaultBufferSize;
+  std::uint64_t written_ = 0;  // bytes written into the file so far, from its start
 };
 
 }  // namespace tarvex

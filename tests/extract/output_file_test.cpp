@@ -45,6 +45,24 @@ TEST(OutputFile, RoomLargerThanTheBufferMakesTheBufferGrow) {
             Bytes({'a', 'b', 'c', 'c', 'c', 'c', 'c', 'c', 'c', 'c', 'c', 'c'}));
 }
 
+TEST(OutputFile, AFullBufferIsWrittenUpToAnAlignedFileOffset) {
+  TempDir dir;
+  Bytes expected = Pattern(44, 1);
+  OutputFile out;
+  ASSERT_TRUE(out.Create(dir.file("out")));  // 256 KiB buffer
+  out.Write(ByteView(expected.data(), expected.size()));
+  // 44 + 131 x 2000 = 262044 bytes fill the buffer; the 132nd block does not fit, so the
+  // buffer is written up to 196608 (3 x 64 KiB) and the other 65436 bytes stay.
+  for (std::uint32_t i = 0; i < 132; ++i) {
+    Bytes block = Pattern(2000, i + 2);
+    out.Write(ByteView(block.data(), block.size()));
+    expected.insert(expected.end(), block.begin(), block.end());
+  }
+  EXPECT_EQ(ReadFileBytes(dir.file("out")).size(), 196608u);
+  out.Close();
+  EXPECT_EQ(ReadFileBytes(dir.file("out")), expected);
+}
+
 TEST(OutputFile, NoRoomWithoutAFile) {
   OutputFile out;
   EXPECT_EQ(out.Extend(4), nullptr);
