@@ -234,12 +234,12 @@ void ExtractAudio(AppContext& ctx) {
         slot.file.Write(ByteView(header.data(), header.size()));
       }
     }
-    ByteRange range = PayloadBytes(record.size(), payload.start, payload.length);
     if (type == kSectorLpcm) {
+      ByteRange range = PayloadBytes(record.size(), payload.start, payload.length);
       WriteSwapped(slot.file, reader, range);
       slot.count += static_cast<std::uint32_t>(range.size);
     } else {
-      slot.file.Write(record.sub(range.offset, range.size));
+      WriteBytes(slot.file, record, payload.start, payload.length);
     }
   }
   for (AudioSlot& slot : slots) {

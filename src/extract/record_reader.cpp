@@ -8,9 +8,7 @@ namespace tarvex {
 RecordReader::RecordReader(File& file, std::size_t block_size)
     : file_(file),
       block_size_(std::max(kRecordSize, block_size / kRecordSize * kRecordSize)),
-      own_(kRecordSize, 0),
-      own_data_(own_.data()),
-      current_(own_data_) {
+      current_(own_.data()) {
   Rewind();
 }
 
@@ -29,17 +27,17 @@ void RecordReader::Rewind() {
 }
 
 void RecordReader::KeepCurrent() {
-  if (current_ != own_data_) {
-    std::memcpy(own_data_, current_, kRecordSize);
-    current_ = own_data_;
-    if (pending_.change) pending_.change({own_data_, kRecordSize}, pending_.offset, pending_.size);
+  if (current_ != own_.data()) {
+    std::memcpy(own_.data(), current_, kRecordSize);
+    current_ = own_.data();
+    if (pending_.change) pending_.change(own_, pending_.offset, pending_.size);
   }
   pending_ = {};
 }
 
 void RecordReader::ChangeWhenKept(Change change, std::size_t offset, std::size_t size) {
-  if (current_ == own_data_) {
-    change({own_data_, kRecordSize}, offset, size);
+  if (current_ == own_.data()) {
+    change(own_, offset, size);
     return;
   }
   pending_ = {change, offset, size};
@@ -57,7 +55,6 @@ bool RecordReader::Refill() {
   // The block is about to be replaced: keep the current record, which a short read would
   // leave behind its own bytes.
   DropReadAhead();
-  offset_ = 0;
   return MapBlock() || ReadBlock();
 }
 
@@ -86,7 +83,7 @@ std::size_t RecordReader::Next() {
     pending_ = {};  // the record it was meant for is no longer visible anywhere
   } else {
     KeepCurrent();
-    std::memcpy(own_data_, src, got);
+    std::memcpy(own_.data(), src, got);
   }
   offset_ += got;
   position_ += static_cast<std::int64_t>(got);

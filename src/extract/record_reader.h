@@ -7,6 +7,7 @@
 // zeroed buffer. Memory use is one block plus one record, whatever the file size.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -64,12 +65,11 @@ class RecordReader {
   File& file_;
   std::size_t block_size_;
   MappedRegion mapping_;
-  std::vector<std::uint8_t> block_;     // only when the file cannot be mapped
-  const std::uint8_t* base_ = nullptr;  // the block
-  std::size_t available_ = 0;           // valid bytes at base_
-  std::size_t offset_ = 0;              // next unread byte at base_
-  std::vector<std::uint8_t> own_;       // a record the reader owns (short, changed or kept)
-  std::uint8_t* own_data_;
+  std::vector<std::uint8_t> block_;              // only when the file cannot be mapped
+  const std::uint8_t* base_ = nullptr;           // the block
+  std::size_t available_ = 0;                    // valid bytes at base_
+  std::size_t offset_ = 0;                       // next unread byte at base_
+  std::array<std::uint8_t, kRecordSize> own_{};  // a record the reader owns (short or kept)
   const std::uint8_t* current_;
   std::int64_t position_ = 0;
   bool released_ = false;
