@@ -176,8 +176,7 @@ void Emit(AppContext& ctx, const CAdtVariant& v, File& out) {
   a.be16(0);
   a.be32(TableEndAddress(kHeaderBytes, n, kCellBytes));
   for (const auto& cell : s.cells) a.bytes(ByteView(cell.data(), cell.size()));
-  out.Write(bytes.data(), bytes.size());
-  PadToSector(out);
+  WriteTableSectors(out, bytes);
   s.cells.clear();
   s.cells.shrink_to_fit();
   s.loaded_vob_ns = 0;

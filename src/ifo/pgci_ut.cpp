@@ -374,8 +374,7 @@ void EmitUnitTable(AppContext& ctx, const Instance& in, File& out) {
     // The unit's end address field holds its size, not its size - 1 as the table's does.
     AppendChainBlock(a, unit.pgcs, UnitBytes(unit));
   }
-  out.Write(table.data(), table.size());
-  PadToSector(out);
+  WriteTableSectors(out, table);
   s.units.clear();
 }
 

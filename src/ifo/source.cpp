@@ -77,6 +77,11 @@ void PadToSector(File& file) {
   file.Write(zeros.data(), zeros.size());
 }
 
+void WriteTableSectors(File& file, ByteView bytes) {
+  file.Write(bytes.data(), bytes.size());
+  PadToSector(file);
+}
+
 std::uint32_t SectorsFor(std::uint32_t bytes) {
   return (bytes >> 11) + ((bytes & 0x7FF) != 0 ? 1 : 0);
 }

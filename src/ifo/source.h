@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "app/context.h"
+#include "platform/bytes.h"
 #include "platform/decimal.h"
 #include "platform/file_io.h"
 
@@ -42,6 +43,8 @@ std::vector<std::uint8_t> ParseHexBytes(std::string_view text, std::size_t count
 
 // Writes zero bytes until the file position is a multiple of 2048.
 void PadToSector(File& file);
+// Writes a table's bytes and pads them with zeros to a whole sector.
+void WriteTableSectors(File& file, ByteView bytes);
 // Sectors needed for a size in bytes (rounded up).
 std::uint32_t SectorsFor(std::uint32_t bytes);
 // End address of a table: its size in bytes minus 1.

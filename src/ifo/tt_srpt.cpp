@@ -169,8 +169,7 @@ void Emit(AppContext& ctx, File& out) {
         a.u8(b);
       }
     }
-    out.Write(bytes.data(), bytes.size());
-    PadToSector(out);
+    WriteTableSectors(out, bytes);
   }
   s.count = 0;
   s.entries.clear();

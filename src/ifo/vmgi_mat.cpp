@@ -319,8 +319,7 @@ void AssembleVideoManager(AppContext& ctx, File& out, const std::string& output_
   w.put_be32(192, menu_vobs_sa);
   w.put_be32(12, 2 * total + menu_sectors - 1);
 
-  out.Write(image.data(), vmgi_mat_ea + 1u);
-  PadToSector(out);
+  WriteTableSectors(out, ByteView(image.data(), vmgi_mat_ea + 1u));
   for (TableId id : kFollowingTables) EmitTable(ctx, id, out);
 }
 

@@ -143,8 +143,7 @@ void Emit(AppContext& ctx, const AdmapVariant& v, File& out) {
   ByteAppender a(bytes);
   a.be32(TableEndAddress(kHeaderBytes, static_cast<std::uint32_t>(loaded.size()), kEntryBytes));
   for (std::uint32_t sector : loaded) a.be32(sector);
-  out.Write(bytes.data(), bytes.size());
-  PadToSector(out);
+  WriteTableSectors(out, bytes);
   loaded.clear();
   loaded.shrink_to_fit();
 }

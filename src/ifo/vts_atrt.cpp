@@ -184,8 +184,7 @@ void Emit(AppContext& ctx, File& out) {
     ByteWriter(record).put_be32(0, kRecordBytes - 1);
     a.bytes(ByteView(record.data(), record.size()));
   }
-  out.Write(bytes.data(), bytes.size());
-  PadToSector(out);
+  WriteTableSectors(out, bytes);
   records.clear();
   records.shrink_to_fit();
 }

@@ -138,8 +138,7 @@ void Emit(AppContext& ctx, File& out) {
       a.u8(0);
       a.u8(part.pgn);
     }
-    out.Write(bytes.data(), bytes.size());
-    PadToSector(out);
+    WriteTableSectors(out, bytes);
   }
   s.count = 0;
   s.entries.clear();

@@ -194,8 +194,7 @@ void Emit(AppContext& ctx, File& out) {
       for (std::uint32_t entry : map.entries) a.be32(entry);
       a.zeros(4 * (std::size_t{map.entry_count} - map.entries.size()));
     }
-    out.Write(bytes.data(), bytes.size());
-    PadToSector(out);
+    WriteTableSectors(out, bytes);
   }
   s.count = 0;
   s.maps.clear();
