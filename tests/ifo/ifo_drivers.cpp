@@ -58,6 +58,13 @@ std::string DisassembleIfoTo(Fixture& f, const std::string& name) {
   return source;
 }
 
+std::vector<std::string> DisassembledSection(Fixture& f, const std::string& name,
+                                             const std::string& section) {
+  f.ctx->stream.details_mode = 0;
+  ShowIfoOverview(*f.ctx);
+  return SectionLines(ReadFileText(DisassembleIfoTo(f, name)), section);
+}
+
 std::string DisassembleTables(Fixture& f, std::initializer_list<TableId> ids,
                               const std::string& name) {
   f.ctx->convert.source_path = f.dir.file(name);

@@ -30,6 +30,10 @@ std::vector<std::string> DetailsOf(Fixture& f, const std::string& prefix);
 
 // Disassembles the open IFO with the Disassemble command into dir/name; returns the path.
 std::string DisassembleIfoTo(Fixture& f, const std::string& name);
+// Goes back from the details to the overview, disassembles the open IFO with the Disassemble
+// command into dir/name and returns the key lines of one section of the source.
+std::vector<std::string> DisassembledSection(Fixture& f, const std::string& name,
+                                             const std::string& section);
 // Disassembles the given tables of the open IFO into dir/name; returns the source text.
 std::string DisassembleTables(Fixture& f, std::initializer_list<TableId> ids,
                               const std::string& name = "OUT.INI");

@@ -328,10 +328,7 @@ TEST(SrptTitleRulesTest, HeadingWithZeroHeaderStillHasDetailsAndDisassembly) {
   EXPECT_EQ(test::DetailsOf(f, "VMG_PTT"),
             (std::vector<std::string>{"Number of Title Unit Serch Pointers TTUs in the VTS: 0",
                                       "End byte address of PTT_SRPT table: 0"}));
-  f.ctx->stream.details_mode = 0;
-  ShowIfoOverview(*f.ctx);
-  std::string source = test::DisassembleIfoTo(f, "VIDEO_TS.INI");
-  EXPECT_EQ(test::SectionLines(test::ReadFileText(source), "vmg_ptt_srpt"),
+  EXPECT_EQ(test::DisassembledSection(f, "VIDEO_TS.INI", "vmg_ptt_srpt"),
             (std::vector<std::string>{"vts_ttu_ns=0", "vts_ptt_srpt_ea=0"}));
 }
 

@@ -286,10 +286,7 @@ TEST(SrptPartRulesTest, ZeroHeaderStillHasDetailsAndDisassembly) {
   EXPECT_EQ(test::DetailsOf(f, "PTT_SRPTI"),
             (std::vector<std::string>{"Number of Title Unit Serch Pointers TTUs in the VTS: 0",
                                       "End byte address of PTT_SRPT table: 0"}));
-  f.ctx->stream.details_mode = 0;
-  ShowIfoOverview(*f.ctx);
-  std::string source = test::DisassembleIfoTo(f, "VTS_01_0.INI");
-  EXPECT_EQ(test::SectionLines(test::ReadFileText(source), "vts_ptt_srpt"),
+  EXPECT_EQ(test::DisassembledSection(f, "VTS_01_0.INI", "vts_ptt_srpt"),
             (std::vector<std::string>{"vts_ttu_ns=0", "vts_ptt_srpt_ea=0"}));
 }
 

@@ -378,10 +378,7 @@ TEST(TmaptRulesTest, ZeroHeaderStillHasDetailsAndDisassembly) {
   EXPECT_EQ(test::DetailsOf(f, "VTS_TMAPT"),
             (std::vector<std::string>{"Number of VTS_TMAPS: 0",
                                       "End byte address of VTS_TMAPT_EA table: 0"}));
-  f.ctx->stream.details_mode = 0;
-  ShowIfoOverview(*f.ctx);
-  std::string source = test::DisassembleIfoTo(f, "VTS_01_0.INI");
-  EXPECT_EQ(test::SectionLines(test::ReadFileText(source), "vts_tmapt"),
+  EXPECT_EQ(test::DisassembledSection(f, "VTS_01_0.INI", "vts_tmapt"),
             (std::vector<std::string>{"vts_tmap_ns=0", "vts_tmapt_ea=0"}));
 }
 
