@@ -42,7 +42,8 @@ std::uint64_t BodyBytesInFile(const OpenedTable& table);
 
 // How many items of item_bytes each, laid one after another from the start of the body, begin
 // inside the file: the bound of every loop whose count comes from a 32-bit field. Loops over a
-// 16-bit count run their full count, reading zeros beyond the end of the file.
+// 16-bit count run their full count, reading zeros beyond the end of the file; only program
+// chains, whose reports are long, keep a work budget (ChainBudget in pgc.h).
 std::uint32_t ItemsInFile(const OpenedTable& table, std::uint32_t item_bytes);
 
 }  // namespace tarvex

@@ -467,4 +467,31 @@ std::uint64_t ChainBudget(const OpenedTable& table) {
          kPointerBytes;
 }
 
+// A block of program chains: an 8-byte header and one 8-byte search pointer per chain.
+namespace {
+constexpr std::uint32_t kChainBlockHeader = 8;
+constexpr std::uint32_t kChainPointer = 8;
+}  // namespace
+
+std::uint32_t ChainBlockBytes(const std::vector<LoadedPgc>& pgcs) {
+  std::uint32_t bytes = kChainBlockHeader + kChainPointer * static_cast<std::uint32_t>(pgcs.size());
+  for (const LoadedPgc& pgc : pgcs) bytes += static_cast<std::uint32_t>(pgc.bytes.size());
+  return bytes;
+}
+
+void AppendChainBlock(ByteAppender& a, const std::vector<LoadedPgc>& pgcs,
+                      std::uint32_t end_field) {
+  auto count = static_cast<std::uint32_t>(pgcs.size());
+  a.be16(count);
+  a.be16(0);
+  a.be32(end_field);
+  std::uint32_t offset = kChainBlockHeader + kChainPointer * count;
+  for (const LoadedPgc& pgc : pgcs) {
+    a.be32(pgc.category);
+    a.be32(offset);
+    offset += static_cast<std::uint32_t>(pgc.bytes.size());
+  }
+  for (const LoadedPgc& pgc : pgcs) a.bytes(ByteView(pgc.bytes));
+}
+
 }  // namespace tarvex

@@ -10,6 +10,7 @@
 
 #include "app/context.h"
 #include "ifo/opened_table_state.h"
+#include "ifo/pgci_state.h"
 #include "platform/bytes.h"
 
 namespace tarvex {
@@ -34,6 +35,15 @@ std::uint32_t pgc_copy_out(AppContext& ctx, std::span<std::uint8_t> buffer);
 // for writing (assemble, lay out, copy out).
 std::vector<std::uint8_t> AssembleChainBytes(AppContext& ctx, std::string_view section,
                                              std::string_view prefix);
+
+// Size of a block of program chains as it is written: an 8-byte header, one 8-byte search
+// pointer per chain, and the chains.
+std::uint32_t ChainBlockBytes(const std::vector<LoadedPgc>& pgcs);
+
+// Appends such a block: the header (chain count, two zero bytes, end_field), the search
+// pointers (category, and offset from the block start: the first chain right after the
+// pointers, each next one right after the one before) and the chains.
+void AppendChainBlock(ByteAppender& a, const std::vector<LoadedPgc>& pgcs, std::uint32_t end_field);
 
 // Program chains one report or disassembly pass over a table walks at most: as many as the
 // file holds 8-byte search pointers. A chain's report is long, and search pointers that repeat

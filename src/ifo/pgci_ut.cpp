@@ -7,7 +7,6 @@
 #include "ifo/opened_table.h"
 #include "ifo/pgc.h"
 #include "ifo/source.h"
-#include "ifo/vts_pgcit.h"
 #include "ifo/vtsi_mat.h"
 #include "platform/bytes.h"
 #include "platform/format.h"
@@ -331,16 +330,11 @@ void LoadUnitTable(AppContext& ctx, const Instance& in) {
   }
 }
 
-// A unit's size: its header, its chain pointers and its chains.
-std::uint32_t UnitBytes(const LoadedLanguageUnit& unit) {
-  return ChainBlockBytes(unit.pgcs);
-}
-
 // The table's size: header, one search pointer per unit, and the units.
 std::uint32_t TableBytes(const PgciUtState& s) {
   if (s.units.empty()) return 0;
   std::uint32_t bytes = kHeaderSize;
-  for (const LoadedLanguageUnit& unit : s.units) bytes += kPointerSize + UnitBytes(unit);
+  for (const LoadedLanguageUnit& unit : s.units) bytes += kPointerSize + ChainBlockBytes(unit.pgcs);
   return bytes;
 }
 
@@ -368,11 +362,11 @@ void EmitUnitTable(AppContext& ctx, const Instance& in, File& out) {
     a.u8(0);
     a.u8(unit.exst);
     a.be32(offset);
-    offset += UnitBytes(unit);
+    offset += ChainBlockBytes(unit.pgcs);
   }
   for (const LoadedLanguageUnit& unit : s.units) {
     // The unit's end address field holds its size, not its size - 1 as the table's does.
-    AppendChainBlock(a, unit.pgcs, UnitBytes(unit));
+    AppendChainBlock(a, unit.pgcs, ChainBlockBytes(unit.pgcs));
   }
   WriteTableSectors(out, table);
   s.units.clear();

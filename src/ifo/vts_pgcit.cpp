@@ -23,6 +23,12 @@ constexpr const char* kPgcPrefix = "vts_pgc_";
 constexpr std::uint32_t kHeaderSize = 8;
 constexpr std::uint32_t kPointerSize = 8;
 
+// Chain offsets count from the start of the table; the body read starts after its header. An
+// offset inside the header reads as nothing.
+std::size_t BodyOffset(std::uint32_t offset) {
+  return offset >= kHeaderSize ? offset - kHeaderSize : SIZE_MAX;
+}
+
 // The table's body as read afresh from the file: the low 16 bits of the end address in bytes
 // from just after the header (zeros beyond the end of the file), and how many of its search
 // pointers are walked: every one the header counts, within the chain budget. Pointers beyond
@@ -58,8 +64,7 @@ void ReportPgcit(AppContext& ctx) {
     ctx.AddReportLine(Format("  VTS_PGC Category %d: %08x", {n, view.be32(at)}));
     ctx.AddReportLine(Format("  VTS_PGCI memory offset address %d: %d", {n, offset}));
     ctx.AddReportLine(Format("    Program Chain Information Table (PGCI) %d", {n}));
-    // The body starts 8 bytes into the table; an offset inside the header reads as nothing.
-    pgc_report(ctx, 5, view, offset >= kHeaderSize ? offset - kHeaderSize : SIZE_MAX);
+    pgc_report(ctx, 5, view, BodyOffset(offset));
   }
 }
 
@@ -76,8 +81,7 @@ void DisassemblePgcit(AppContext& ctx) {
     WriteSourceValue(ctx, kSection, Format("vts_pgc_cat%02d", {n}),
                      Format("%08x", {view.be32(at)}));
     WriteSourceValue(ctx, kSection, Format("vts_pgci_sa%02d", {n}), Format("%d", {offset}));
-    pgc_disassemble(ctx, view, offset >= kHeaderSize ? offset - kHeaderSize : SIZE_MAX, kPgcPrefix,
-                    Format("vts_pgcit%02d", {n}));
+    pgc_disassemble(ctx, view, BodyOffset(offset), kPgcPrefix, Format("vts_pgcit%02d", {n}));
   }
 }
 
@@ -123,9 +127,8 @@ void EmitPgcit(AppContext& ctx, File& out) {
   table.reserve(bytes);
   ByteAppender a(table);
   AppendChainBlock(a, s.pgcs, bytes - 1);
-  out.Write(table.data(), table.size());
+  WriteTableSectors(out, table);
   s.pgcs.clear();
-  PadToSector(out);
 }
 
 }  // namespace
@@ -139,26 +142,5 @@ const TableModule kVtsPgcitModule = {
     .MeasureTable = MeasurePgcit,
     .EmitTable = EmitPgcit,
 };
-
-std::uint32_t ChainBlockBytes(const std::vector<LoadedPgc>& pgcs) {
-  std::uint32_t bytes = kHeaderSize + kPointerSize * static_cast<std::uint32_t>(pgcs.size());
-  for (const LoadedPgc& pgc : pgcs) bytes += static_cast<std::uint32_t>(pgc.bytes.size());
-  return bytes;
-}
-
-void AppendChainBlock(ByteAppender& a, const std::vector<LoadedPgc>& pgcs,
-                      std::uint32_t end_field) {
-  auto count = static_cast<std::uint32_t>(pgcs.size());
-  a.be16(count);
-  a.be16(0);
-  a.be32(end_field);
-  std::uint32_t offset = kHeaderSize + kPointerSize * count;
-  for (const LoadedPgc& pgc : pgcs) {
-    a.be32(pgc.category);
-    a.be32(offset);
-    offset += static_cast<std::uint32_t>(pgc.bytes.size());
-  }
-  for (const LoadedPgc& pgc : pgcs) a.bytes(ByteView(pgc.bytes));
-}
 
 }  // namespace tarvex

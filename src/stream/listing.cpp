@@ -318,7 +318,7 @@ void ListPageAfterView(AppContext& ctx) {
 
 std::uint32_t RecordNumberOfLine(std::string_view line) {
   constexpr std::size_t kRecordNumberWidth = 6;
-  return ParseDecimal(line.substr(0, std::min(line.size(), kRecordNumberWidth)));
+  return ParseDecimal(line.substr(0, kRecordNumberWidth));
 }
 
 void SelectRecordForHex(AppContext& ctx) {

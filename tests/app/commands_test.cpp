@@ -29,17 +29,6 @@ void ShowLines(AppContext& ctx, const std::vector<std::string>& lines, std::size
   ASSERT_TRUE(ctx.report.Select(selected));
 }
 
-// ---- record number of a line ----
-
-TEST(RecordNumberOfLine, ReadsTheFirstSixCharactersAsADecimalNumber) {
-  EXPECT_EQ(RecordNumberOfLine("000123 Navigations  SCR 0.000"), 123u);
-  EXPECT_EQ(RecordNumberOfLine("0000123"), 12u);  // the seventh digit is cut off
-  EXPECT_EQ(RecordNumberOfLine("  42xy"), 42u);
-  EXPECT_EQ(RecordNumberOfLine("Hex display of record 5"), 0u);
-  EXPECT_EQ(RecordNumberOfLine(""), 0u);
-  EXPECT_EQ(RecordNumberOfLine("-1"), 0xFFFFFFFFu);  // wraps like a 32-bit long
-}
-
 // ---- Details ----
 
 TEST(DetailsCommand, DoesNothingWhileTheHexViewIsShown) {

@@ -588,5 +588,16 @@ TEST(SelectRecordForHex, NumberIsReadFromTheFirstSixCharactersOnly) {
   EXPECT_EQ(f.lines()[0], "Hex display of record 1234 at file address 2527232");
 }
 
+// ---- record number of a line ----
+
+TEST(RecordNumberOfLine, ReadsTheFirstSixCharactersAsADecimalNumber) {
+  EXPECT_EQ(RecordNumberOfLine("000123 Navigations  SCR 0.000"), 123u);
+  EXPECT_EQ(RecordNumberOfLine("0000123"), 12u);  // the seventh digit is cut off
+  EXPECT_EQ(RecordNumberOfLine("  42xy"), 42u);
+  EXPECT_EQ(RecordNumberOfLine("Hex display of record 5"), 0u);
+  EXPECT_EQ(RecordNumberOfLine(""), 0u);
+  EXPECT_EQ(RecordNumberOfLine("-1"), 0xFFFFFFFFu);  // wraps like a 32-bit long
+}
+
 }  // namespace
 }  // namespace tarvex
