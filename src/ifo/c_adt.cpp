@@ -122,10 +122,7 @@ bool LoadCellFields(AppContext& ctx, const CAdtVariant& v, std::uint32_t cell, s
   std::string value;
   for (const Field& field : kFields) {
     std::string key = Format("c_%03d_vob%03d_vts_%s", {cell, vob, field.name});
-    if (!ReadSourceValue(ctx, v.section, key, value)) {
-      ReportMissingStatement(ctx, key, kMissingCaption);
-      return false;
-    }
+    if (!ReadRequiredValue(ctx, v.section, key, kMissingCaption, value)) return false;
     std::uint32_t n = ParseDecimal(value);
     if (field.offset == 2) {
       w.put_u8(field.offset, static_cast<std::uint8_t>(n));

@@ -115,4 +115,11 @@ void ReportMissingStatement(AppContext& ctx, std::string_view key, std::string_v
   ctx.ui.ShowMessage(key, caption);
 }
 
+bool ReadRequiredValue(AppContext& ctx, std::string_view section, std::string_view key,
+                       std::string_view caption, std::string& value) {
+  if (ReadSourceValue(ctx, section, key, value)) return true;
+  ReportMissingStatement(ctx, key, caption);
+  return false;
+}
+
 }  // namespace tarvex

@@ -62,5 +62,9 @@ std::optional<std::vector<std::uint8_t>> ReadBoundedBlock(File& file, std::int64
 
 // Message for a missing statement: text is the key, caption "Statement missing in " + section.
 void ReportMissingStatement(AppContext& ctx, std::string_view key, std::string_view caption);
+// ReadSourceValue for a statement the table cannot do without: when it is missing, the message
+// with the key as text and the given caption is shown and false returned.
+bool ReadRequiredValue(AppContext& ctx, std::string_view section, std::string_view key,
+                       std::string_view caption, std::string& value);
 
 }  // namespace tarvex

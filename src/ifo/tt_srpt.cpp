@@ -128,19 +128,13 @@ void Load(AppContext& ctx) {
   s.count = 0;
   s.entries.clear();
   std::string value;
-  if (!ReadSourceValue(ctx, kSection, "vts_ttu_ns", value)) {
-    ReportMissingStatement(ctx, "vts_ttu_ns", kMissingCaption);
-    return;
-  }
+  if (!ReadRequiredValue(ctx, kSection, "vts_ttu_ns", kMissingCaption, value)) return;
   s.count = static_cast<std::uint16_t>(ParseDecimal(value));
   for (std::uint32_t i = 1; i <= s.count; ++i) {
     std::array<std::uint8_t, 12>& entry = s.entries.emplace_back();
     for (const EntryField& field : kEntry) {
       std::string key = Format(field.desc.key, {i});
-      if (!ReadSourceValue(ctx, kSection, key, value)) {
-        ReportMissingStatement(ctx, key, kMissingCaption);
-        return;
-      }
+      if (!ReadRequiredValue(ctx, kSection, key, kMissingCaption, value)) return;
       StoreEntryValue(entry, field, value);
     }
   }
@@ -163,12 +157,9 @@ void Emit(AppContext& ctx, File& out) {
     ByteAppender a(bytes);
     a.be16(s.count);
     a.be16(0);
-    a.be32(kEntryBytes * s.count + 7);
-    for (std::uint32_t i = 0; i < s.count; ++i) {
-      for (std::uint8_t b : i < s.entries.size() ? s.entries[i] : std::array<std::uint8_t, 12>{}) {
-        a.u8(b);
-      }
-    }
+    a.be32(TableEndAddress(8, s.count, kEntryBytes));
+    for (const std::array<std::uint8_t, 12>& entry : s.entries) a.bytes(ByteView(entry));
+    a.zeros(std::size_t{kEntryBytes} * (s.count - s.entries.size()));
     WriteTableSectors(out, bytes);
   }
   s.count = 0;

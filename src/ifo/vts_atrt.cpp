@@ -62,14 +62,7 @@ constexpr FieldDesc kRecord[] = {
      .load = LoadRule::kComputed,
      .style = ReportStyle::kValue,
      .report = "    VTS Attribute end byte address %d"},
-    {.key = "vts_cat",
-     .offset = 4,
-     .width = 4,
-     .store = Store::kBe32,
-     .form = SourceForm::kDecimal,
-     .load = LoadRule::kDecimal,
-     .style = ReportStyle::kValue,
-     .report = "    VTS_CAT Application type %d"},
+    DecimalNumber("vts_cat", 4, 4, "    VTS_CAT Application type %d"),
     AttributeBytes("vtsm_v_atr", 8, 2, -1, "    Attributes of VTSM_VOBS: %x%x"),
     DecimalNumber("vtsm_ast_ns", 11, 1, "    Number of audio streams in VTSM_VOBS: %d"),
     MenuStreamByte("vtsm_ast_atr%02d", 12, 11, "      Audio %d attributes: %x"),
@@ -145,10 +138,7 @@ void Load(AppContext& ctx) {
   std::vector<std::array<std::uint8_t, 776>>& records = ctx.ifo.vts_atrt.records;
   records.clear();
   std::string value;
-  if (!ReadSourceValue(ctx, kSection, "vts_ns", value)) {
-    ReportMissingStatement(ctx, "vts_ns", kMissingCaption);
-    return;
-  }
+  if (!ReadRequiredValue(ctx, kSection, "vts_ns", kMissingCaption, value)) return;
   std::uint16_t count = static_cast<std::uint16_t>(ParseDecimal(value));
   records.resize(count);  // zeroed: the records were cleared above
   for (std::uint32_t i = 0; i < count; ++i) {

@@ -89,10 +89,7 @@ void LoadPgcit(AppContext& ctx) {
   VtsPgcitState& s = ctx.ifo.vts_pgcit;
   s.pgcs.clear();
   std::string value;
-  if (!ReadSourceValue(ctx, kSection, "vts_pgci_srp_ns", value)) {
-    ReportMissingStatement(ctx, "vts_pgci_srp_ns", kMissingCaption);
-    return;
-  }
+  if (!ReadRequiredValue(ctx, kSection, "vts_pgci_srp_ns", kMissingCaption, value)) return;
   auto count = static_cast<std::uint16_t>(ParseDecimal(value));
   for (std::uint32_t n = 1; n <= count; ++n) {
     LoadedPgc pgc;

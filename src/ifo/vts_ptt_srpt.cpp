@@ -97,10 +97,7 @@ void Load(AppContext& ctx) {
   s.count = 0;
   s.entries.clear();
   std::string value;
-  if (!ReadSourceValue(ctx, kSection, "vts_ttu_ns", value)) {
-    ctx.ui.ShowMessage("vts_ttu_ns", "IFO assembler error!");
-    return;
-  }
+  if (!ReadRequiredValue(ctx, kSection, "vts_ttu_ns", "IFO assembler error!", value)) return;
   s.count = static_cast<std::uint16_t>(ParseDecimal(value));
   for (std::uint32_t n = 1; n <= s.count; ++n) {
     for (std::uint32_t p = 1; p <= kPartsPerUnit; ++p) {
@@ -111,8 +108,9 @@ void Load(AppContext& ctx) {
   }
 }
 
+// One 4-byte search pointer and one 4-byte entry per part, after the 8-byte header.
 std::uint32_t EndAddress(const VtsPttSrptState& s) {
-  return 8 * static_cast<std::uint32_t>(s.entries.size()) + 7;
+  return TableEndAddress(8, static_cast<std::uint32_t>(s.entries.size()), 8);
 }
 
 TableSize Measure(AppContext& ctx) {

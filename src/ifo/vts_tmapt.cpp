@@ -120,16 +120,10 @@ void LoadEntries(AppContext& ctx, std::uint32_t n, TimeMap& map) {
   std::string value;
   for (std::uint32_t e = 1; e <= map.entry_count; ++e) {
     std::string discon_key = Format("vts_tmap%02d_entry%02d_discon", {n, e});
-    if (!ReadSourceValue(ctx, kMapSection, discon_key, value)) {
-      ReportMissingStatement(ctx, discon_key, kMissingCaption);
-      return;
-    }
+    if (!ReadRequiredValue(ctx, kMapSection, discon_key, kMissingCaption, value)) return;
     bool discontinuity = !value.empty() && value[0] == '1';
     std::string address_key = Format("vts_tmap%02d_entry%02d_address", {n, e});
-    if (!ReadSourceValue(ctx, kMapSection, address_key, value)) {
-      ReportMissingStatement(ctx, address_key, kMissingCaption);
-      return;
-    }
+    if (!ReadRequiredValue(ctx, kMapSection, address_key, kMissingCaption, value)) return;
     map.entries.push_back(ParseDecimal(value) | (discontinuity ? kDiscontinuity : 0));
   }
 }
@@ -146,16 +140,10 @@ void Load(AppContext& ctx) {
   for (std::uint32_t n = 1; n <= s.count; ++n) {
     TimeMap map;
     std::string key = Format("vts_tmap%02d_tmu", {n});
-    if (!ReadSourceValue(ctx, kMapSection, key, value)) {
-      ReportMissingStatement(ctx, key, kMissingCaption);
-      return;
-    }
+    if (!ReadRequiredValue(ctx, kMapSection, key, kMissingCaption, value)) return;
     map.time_unit = static_cast<std::uint8_t>(ParseDecimal(value));
     key = Format("vts_tmap%02d_map_en_ns", {n});
-    if (!ReadSourceValue(ctx, kMapSection, key, value)) {
-      ReportMissingStatement(ctx, key, kMissingCaption);
-      return;
-    }
+    if (!ReadRequiredValue(ctx, kMapSection, key, kMissingCaption, value)) return;
     map.entry_count = static_cast<std::uint16_t>(ParseDecimal(value));
     LoadEntries(ctx, n, map);
     s.maps.push_back(std::move(map));
