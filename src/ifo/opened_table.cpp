@@ -59,4 +59,9 @@ std::uint32_t ItemsInFile(const OpenedTable& table, std::uint32_t item_bytes) {
   return items > UINT32_MAX ? UINT32_MAX : static_cast<std::uint32_t>(items);
 }
 
+ByteView BodyAt(ByteView body, std::uint32_t table_offset) {
+  constexpr std::uint32_t kHeaderBytes = 8;
+  return table_offset >= kHeaderBytes ? body.sub(table_offset - kHeaderBytes) : ByteView();
+}
+
 }  // namespace tarvex

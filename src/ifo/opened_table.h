@@ -8,6 +8,7 @@
 
 #include "app/context.h"
 #include "ifo/opened_table_state.h"
+#include "platform/bytes.h"
 #include "platform/file_io.h"
 
 namespace tarvex {
@@ -36,6 +37,10 @@ std::uint32_t OpenCountedTable(AppContext& ctx, File& ifo, std::uint32_t start_s
 // n bytes of the opened table's body, read from the file now; bytes beyond the end of the
 // file read 0.
 std::vector<std::uint8_t> ReadTableBody(const OpenedTable& table, std::size_t n);
+
+// The body from a byte offset counted from the table start (the body begins after the 8-byte
+// header): empty for an offset inside the header. Reads run on into whatever follows.
+ByteView BodyAt(ByteView body, std::uint32_t table_offset);
 
 // Bytes of the file from the start of the body on (0 when the body begins beyond the end).
 std::uint64_t BodyBytesInFile(const OpenedTable& table);

@@ -96,12 +96,6 @@ std::vector<std::uint8_t> ReadArea(const OpenedTable& s) {
       s, static_cast<std::size_t>(std::min<std::uint64_t>(s.end_address, BodyBytesInFile(s))));
 }
 
-// The record at a byte offset from the table start (the area begins 8 bytes in); reads run on
-// into whatever follows the record in the table.
-ByteView RecordAt(ByteView area, std::uint32_t table_offset) {
-  return table_offset >= kHeaderBytes ? area.sub(table_offset - kHeaderBytes) : ByteView();
-}
-
 void Report(AppContext& ctx) {
   ctx.ClearReportList();
   const OpenedTable& s = ctx.ifo.vts_atrt.opened;
@@ -113,7 +107,7 @@ void Report(AppContext& ctx) {
   for (std::uint32_t i = 0; i < s.count; ++i) {
     std::uint32_t offset = area.be32(kPointerBytes * i);
     ctx.AddReportLine(Format("  VTS %d Attribute start byte address %d", {i + 1, offset}));
-    ReportFields(ctx, RecordAt(area, offset), kRecord);
+    ReportFields(ctx, BodyAt(area, offset), kRecord);
   }
 }
 
@@ -128,7 +122,7 @@ void Disassemble(AppContext& ctx) {
     std::string prefix = RecordPrefix(i + 1);
     std::uint32_t offset = area.be32(kPointerBytes * i);
     WriteSourceValue(ctx, kSection, prefix + "vts_atr_sa", Format("%d", {offset}));
-    DisassembleFields(ctx, RecordAt(area, offset), kRecord, kSection, prefix);
+    DisassembleFields(ctx, BodyAt(area, offset), kRecord, kSection, prefix);
   }
 }
 

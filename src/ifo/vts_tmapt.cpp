@@ -58,11 +58,11 @@ std::vector<FoundMap> ReadMaps(const OpenedTable& table) {
     FoundMap& map = result[n];
     map.offset = body.be32(4 * std::size_t{n});
     // A head inside the table header lies outside the body: it reads as zeros.
-    std::size_t head = map.offset >= 8 ? map.offset - 8u : SIZE_MAX;
-    map.time_unit = body.u8(head);
-    map.entry_count = static_cast<std::uint16_t>((body.u8(head, 2) << 8) | body.u8(head, 3));
+    ByteView head = BodyAt(body, map.offset);
+    map.time_unit = head.u8(0);
+    map.entry_count = head.be16(2);
     for (std::uint32_t e = 0; e < map.entry_count && budget > 0; ++e, --budget) {
-      map.entries.push_back(body.be32(head + 4 + 4 * std::size_t{e}));
+      map.entries.push_back(head.be32(4 + 4 * std::size_t{e}));
     }
   }
   return result;
