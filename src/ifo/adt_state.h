@@ -43,7 +43,7 @@ struct PtlMaitState {
 
 // The text data manager (TXTDT_MG).
 struct TxtdtMgState {
-  bool open = false;
+  File* file = nullptr;  // the IFO the table was opened in; none when it is absent
   std::int64_t table_pos = 0;
 };
 

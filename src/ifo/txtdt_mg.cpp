@@ -40,30 +40,31 @@ constexpr FieldDesc kHeader[] = {
 
 std::uint32_t Open(AppContext& ctx, File& ifo) {
   TxtdtMgState& s = ctx.ifo.txtdt_mg;
-  s.open = false;
+  s.file = nullptr;
   std::uint32_t start = ctx.ifo.vmgi_mat.txtdt_mg_sa;
   if (start == 0) {
     AddAbsenceLine(ctx, kName, "Text Data Manager information.");
     return 0;
   }
   s.table_pos = std::int64_t{start} * kSectorSize;
-  s.open = true;
+  s.file = &ifo;
   AddHeadingLine(ctx, kName, "Text Dataa Manager information");
   return ByteView(ReadFileBlock(ifo, s.table_pos, kHeaderBytes)).be32(16);
 }
 
 std::vector<std::uint8_t> ReadHeader(AppContext& ctx) {
-  return ReadFileBlock(ctx.open.file_handle, ctx.ifo.txtdt_mg.table_pos, kHeaderBytes);
+  const TxtdtMgState& s = ctx.ifo.txtdt_mg;
+  return ReadFileBlock(*s.file, s.table_pos, kHeaderBytes);
 }
 
 // Appended below the overview: this report alone leaves the list as it is.
 void Report(AppContext& ctx) {
-  if (!ctx.ifo.txtdt_mg.open) return;
+  if (ctx.ifo.txtdt_mg.file == nullptr) return;
   ReportFields(ctx, ReadHeader(ctx), kHeader);
 }
 
 void Disassemble(AppContext& ctx) {
-  if (!ctx.ifo.txtdt_mg.open) return;
+  if (ctx.ifo.txtdt_mg.file == nullptr) return;
   DisassembleFields(ctx, ReadHeader(ctx), kHeader, kSection);
 }
 
