@@ -169,9 +169,7 @@ void Emit(AppContext& ctx, const CAdtVariant& v, File& out) {
   std::uint32_t n = static_cast<std::uint32_t>(s.cells.size());
   std::vector<std::uint8_t> bytes;
   ByteAppender a(bytes);
-  a.be16(s.loaded_vob_ns);
-  a.be16(0);
-  a.be32(TableEndAddress(kHeaderBytes, n, kCellBytes));
+  AppendCountedHeader(a, s.loaded_vob_ns, TableEndAddress(kHeaderBytes, n, kCellBytes));
   for (const auto& cell : s.cells) a.bytes(ByteView(cell.data(), cell.size()));
   WriteTableSectors(out, bytes);
   s.cells.clear();

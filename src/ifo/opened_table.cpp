@@ -64,4 +64,10 @@ ByteView BodyAt(ByteView body, std::uint32_t table_offset) {
   return table_offset >= kHeaderBytes ? body.sub(table_offset - kHeaderBytes) : ByteView();
 }
 
+void AppendCountedHeader(ByteAppender& a, std::uint32_t count, std::uint32_t end_address) {
+  a.be16(count);
+  a.be16(0);
+  a.be32(end_address);
+}
+
 }  // namespace tarvex

@@ -38,6 +38,10 @@ std::uint32_t OpenCountedTable(AppContext& ctx, File& ifo, std::uint32_t start_s
 // file read 0.
 std::vector<std::uint8_t> ReadTableBody(const OpenedTable& table, std::size_t n);
 
+// Appends the 8-byte header of such a table: the 16-bit count, two zero bytes and the 32-bit
+// end address.
+void AppendCountedHeader(ByteAppender& a, std::uint32_t count, std::uint32_t end_address);
+
 // The body from a byte offset counted from the table start (the body begins after the 8-byte
 // header): empty for an offset inside the header. Reads run on into whatever follows.
 ByteView BodyAt(ByteView body, std::uint32_t table_offset);

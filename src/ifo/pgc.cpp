@@ -6,6 +6,7 @@
 
 #include "ifo/fields.h"
 #include "ifo/nav_command.h"
+#include "ifo/opened_table.h"
 #include "ifo/source.h"
 #include "platform/file_io.h"
 #include "platform/format.h"
@@ -482,9 +483,7 @@ std::uint32_t ChainBlockBytes(const std::vector<LoadedPgc>& pgcs) {
 void AppendChainBlock(ByteAppender& a, const std::vector<LoadedPgc>& pgcs,
                       std::uint32_t end_field) {
   auto count = static_cast<std::uint32_t>(pgcs.size());
-  a.be16(count);
-  a.be16(0);
-  a.be32(end_field);
+  AppendCountedHeader(a, count, end_field);
   std::uint32_t offset = kChainBlockHeader + kChainPointer * count;
   for (const LoadedPgc& pgc : pgcs) {
     a.be32(pgc.category);

@@ -352,9 +352,7 @@ void EmitUnitTable(AppContext& ctx, const Instance& in, File& out) {
   std::vector<std::uint8_t> table;
   table.reserve(bytes);
   ByteAppender a(table);
-  a.be16(static_cast<std::uint32_t>(s.units.size()));
-  a.be16(0);
-  a.be32(bytes - 1);
+  AppendCountedHeader(a, static_cast<std::uint32_t>(s.units.size()), bytes - 1);
   std::uint32_t offset = kHeaderSize + kPointerSize * static_cast<std::uint32_t>(s.units.size());
   for (const LoadedLanguageUnit& unit : s.units) {
     a.u8(unit.lcd[0]);

@@ -155,9 +155,7 @@ void Emit(AppContext& ctx, File& out) {
   if (s.count != 0) {
     std::vector<std::uint8_t> bytes;
     ByteAppender a(bytes);
-    a.be16(s.count);
-    a.be16(0);
-    a.be32(TableEndAddress(8, s.count, kEntryBytes));
+    AppendCountedHeader(a, s.count, TableEndAddress(8, s.count, kEntryBytes));
     for (const std::array<std::uint8_t, 12>& entry : s.entries) a.bytes(ByteView(entry));
     a.zeros(std::size_t{kEntryBytes} * (s.count - s.entries.size()));
     WriteTableSectors(out, bytes);

@@ -158,9 +158,7 @@ void Emit(AppContext& ctx, File& out) {
   if (count == 0) return;
   std::vector<std::uint8_t> bytes;
   ByteAppender a(bytes);
-  a.be16(count);
-  a.be16(0);
-  a.be32(TableBytes(count) - 1);
+  AppendCountedHeader(a, count, TableBytes(count) - 1);
   for (std::uint32_t i = 0; i < count; ++i) {
     a.be32(kHeaderBytes + kPointerBytes * count + kRecordBytes * i);
   }

@@ -127,9 +127,7 @@ void Emit(AppContext& ctx, File& out) {
     std::vector<std::uint8_t> bytes;
     ByteAppender a(bytes);
     auto entries = static_cast<std::uint32_t>(s.entries.size());
-    a.be16(s.count);
-    a.be16(0);
-    a.be32(EndAddress(s));
+    AppendCountedHeader(a, s.count, EndAddress(s));
     for (std::uint32_t k = 0; k < entries; ++k) a.be32(8 + 4 * entries + 4 * k);
     for (const PttEntry& part : s.entries) {
       a.be16(part.pgcn);

@@ -167,9 +167,7 @@ void Emit(AppContext& ctx, File& out) {
   if (!s.maps.empty()) {
     std::vector<std::uint8_t> bytes;
     ByteAppender a(bytes);
-    a.be16(s.count);
-    a.be16(0);
-    a.be32(Measure(ctx).bytes - 1);
+    AppendCountedHeader(a, s.count, Measure(ctx).bytes - 1);
     std::uint32_t offset = 8 + 4 * static_cast<std::uint32_t>(s.maps.size());
     for (const TimeMap& map : s.maps) {
       a.be32(offset);
