@@ -43,7 +43,7 @@ class ArgCursor {
   const FmtArg* end_;
 };
 
-struct Spec {
+struct Conversion {
   std::string flags;
   int width = -1;
   int precision = -1;
@@ -52,9 +52,10 @@ struct Spec {
 };
 
 // Reads flags, width, precision and length of one conversion starting after '%'.
-std::size_t ParseSpec(std::string_view f, std::size_t i, ArgCursor& args, Spec& spec) {
+std::size_t ParseConversion(std::string_view f, std::size_t i, ArgCursor& args,
+                            Conversion& conversion) {
   while (i < f.size() && std::string_view("-+ #0").find(f[i]) != std::string_view::npos) {
-    spec.flags += f[i++];
+    conversion.flags += f[i++];
   }
   auto read_number = [&](int& out) {
     if (i < f.size() && f[i] == '*') {
@@ -70,32 +71,32 @@ std::size_t ParseSpec(std::string_view f, std::size_t i, ArgCursor& args, Spec& 
       }
     }
   };
-  read_number(spec.width);
+  read_number(conversion.width);
   if (i < f.size() && f[i] == '.') {
     ++i;
-    spec.precision = 0;
-    read_number(spec.precision);
+    conversion.precision = 0;
+    read_number(conversion.precision);
   }
-  if (spec.width < 0 && spec.width != -1) {  // a negative '*' width means left-justify
-    spec.flags += '-';
-    spec.width = -spec.width;
+  if (conversion.width < 0 && conversion.width != -1) {  // a negative '*' width means left-justify
+    conversion.flags += '-';
+    conversion.width = -conversion.width;
   }
   while (i < f.size() && std::string_view("hlLqjzt").find(f[i]) != std::string_view::npos) {
-    if (f[i] == 'h') spec.int_bits = spec.int_bits == 16 ? 8 : 16;
+    if (f[i] == 'h') conversion.int_bits = conversion.int_bits == 16 ? 8 : 16;
     ++i;
   }
-  spec.conv = i < f.size() ? f[i++] : 0;
+  conversion.conv = i < f.size() ? f[i++] : 0;
   return i;
 }
 
-std::string SpecPrefix(const Spec& spec) {
+std::string ConversionPrefix(const Conversion& conversion) {
   // Appended piece by piece: "." + std::to_string() trips a false -Wrestrict in GCC 12 -O2.
   std::string p = "%";
-  p += spec.flags;
-  if (spec.width >= 0) p += std::to_string(spec.width);
-  if (spec.precision >= 0) {
+  p += conversion.flags;
+  if (conversion.width >= 0) p += std::to_string(conversion.width);
+  if (conversion.precision >= 0) {
     p += '.';
-    p += std::to_string(spec.precision);
+    p += std::to_string(conversion.precision);
   }
   return p;
 }
@@ -114,44 +115,44 @@ void AppendPrintf(std::string& out, const std::string& fmt, T value) {
   out.append(big.data(), static_cast<std::size_t>(n));
 }
 
-void AppendInteger(std::string& out, const Spec& spec, const FmtArg& arg) {
+void AppendInteger(std::string& out, const Conversion& conversion, const FmtArg& arg) {
   std::uint32_t low = static_cast<std::uint32_t>(arg.as_int());
-  if (spec.int_bits == 16) low &= 0xFFFF;
-  if (spec.int_bits == 8) low &= 0xFF;
-  std::string fmt = SpecPrefix(spec) + spec.conv;
-  if (spec.conv == 'd' || spec.conv == 'i') {
+  if (conversion.int_bits == 16) low &= 0xFFFF;
+  if (conversion.int_bits == 8) low &= 0xFF;
+  std::string fmt = ConversionPrefix(conversion) + conversion.conv;
+  if (conversion.conv == 'd' || conversion.conv == 'i') {
     std::int32_t v = static_cast<std::int32_t>(low);
-    if (spec.int_bits == 16) v = static_cast<std::int16_t>(low);
-    if (spec.int_bits == 8) v = static_cast<std::int8_t>(low);
+    if (conversion.int_bits == 16) v = static_cast<std::int16_t>(low);
+    if (conversion.int_bits == 8) v = static_cast<std::int8_t>(low);
     AppendPrintf(out, fmt, static_cast<int>(v));
   } else {
     AppendPrintf(out, fmt, static_cast<unsigned>(low));
   }
 }
 
-void AppendString(std::string& out, const Spec& spec, const FmtArg& arg) {
+void AppendString(std::string& out, const Conversion& conversion, const FmtArg& arg) {
   std::string_view s = arg.as_str();
   std::size_t zero = s.find('\0');
   std::string text(zero == std::string_view::npos ? s : s.substr(0, zero));
-  AppendPrintf(out, SpecPrefix(spec) + "s", text.c_str());
+  AppendPrintf(out, ConversionPrefix(conversion) + "s", text.c_str());
 }
 
-void AppendConversion(std::string& out, const Spec& spec, ArgCursor& args) {
-  switch (spec.conv) {
+void AppendConversion(std::string& out, const Conversion& conversion, ArgCursor& args) {
+  switch (conversion.conv) {
     case 'd':
     case 'i':
     case 'u':
     case 'x':
     case 'X':
     case 'o':
-      AppendInteger(out, spec, args.next());
+      AppendInteger(out, conversion, args.next());
       return;
     case 'c': {
       // One byte, padded like "%c"; a zero byte is kept and ends the line later.
       std::string one(1, static_cast<char>(args.next().as_int() & 0xFF));
-      Spec s = spec;
+      Conversion s = conversion;
       s.precision = -1;
-      std::string padded = SpecPrefix(s) + "s";
+      std::string padded = ConversionPrefix(s) + "s";
       std::string tmp;
       AppendPrintf(tmp, padded, "\x01");
       tmp[tmp.find('\x01')] = one[0];
@@ -159,7 +160,7 @@ void AppendConversion(std::string& out, const Spec& spec, ArgCursor& args) {
       return;
     }
     case 's':
-      AppendString(out, spec, args.next());
+      AppendString(out, conversion, args.next());
       return;
     case 'f':
     case 'F':
@@ -167,7 +168,7 @@ void AppendConversion(std::string& out, const Spec& spec, ArgCursor& args) {
     case 'E':
     case 'g':
     case 'G':
-      AppendPrintf(out, SpecPrefix(spec) + spec.conv, args.next().as_double());
+      AppendPrintf(out, ConversionPrefix(conversion) + conversion.conv, args.next().as_double());
       return;
     case '%':
       out += '%';
@@ -189,9 +190,9 @@ void AppendFormat(std::string& line, std::string_view format, std::initializer_l
       break;
     }
     line.append(format.substr(i, pct - i));
-    Spec spec;
-    i = ParseSpec(format, pct + 1, cursor, spec);
-    AppendConversion(line, spec, cursor);
+    Conversion conversion;
+    i = ParseConversion(format, pct + 1, cursor, conversion);
+    AppendConversion(line, conversion, cursor);
   }
   std::size_t zero = line.find('\0');
   if (zero != std::string::npos) line.resize(zero);
