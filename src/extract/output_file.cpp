@@ -25,6 +25,7 @@ bool OutputFile::Create(const std::string& path, std::size_t buffer_size) {
   created.Close();
   file_ = File::OpenReadWrite(path);
   created_ = true;
+  written_ = 0;
   if (buffer_size != buffer_size_) buffer_.reset();
   buffer_size_ = buffer_size == 0 ? 1 : buffer_size;
   used_ = 0;

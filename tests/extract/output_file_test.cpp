@@ -45,22 +45,41 @@ TEST(OutputFile, RoomLargerThanTheBufferMakesTheBufferGrow) {
             Bytes({'a', 'b', 'c', 'c', 'c', 'c', 'c', 'c', 'c', 'c', 'c', 'c'}));
 }
 
-TEST(OutputFile, AFullBufferIsWrittenUpToAnAlignedFileOffset) {
-  TempDir dir;
-  Bytes expected = Pattern(44, 1);
-  OutputFile out;
-  ASSERT_TRUE(out.Create(dir.file("out")));  // 256 KiB buffer
+// Writes a 44-byte header and 132 blocks of 2000 bytes to path: 44 + 131 x 2000 = 262044 bytes
+// fill the 256 KiB buffer; the 132nd block does not fit, so the buffer is written up to
+// 196608 (3 x 64 KiB) and the other 65436 bytes stay. Returns what the file holds then, and
+// expected, everything written.
+std::size_t WriteUntilTheFirstFullBuffer(OutputFile& out, const std::string& path,
+                                         Bytes& expected) {
+  EXPECT_TRUE(out.Create(path));  // 256 KiB buffer
+  expected = Pattern(44, 1);
   out.Write(ByteView(expected.data(), expected.size()));
-  // 44 + 131 x 2000 = 262044 bytes fill the buffer; the 132nd block does not fit, so the
-  // buffer is written up to 196608 (3 x 64 KiB) and the other 65436 bytes stay.
   for (std::uint32_t i = 0; i < 132; ++i) {
     Bytes block = Pattern(2000, i + 2);
     out.Write(ByteView(block.data(), block.size()));
     expected.insert(expected.end(), block.begin(), block.end());
   }
-  EXPECT_EQ(ReadFileBytes(dir.file("out")).size(), 196608u);
+  return ReadFileBytes(path).size();
+}
+
+TEST(OutputFile, AFullBufferIsWrittenUpToAnAlignedFileOffset) {
+  TempDir dir;
+  Bytes expected;
+  OutputFile out;
+  EXPECT_EQ(WriteUntilTheFirstFullBuffer(out, dir.file("out"), expected), 196608u);
   out.Close();
   EXPECT_EQ(ReadFileBytes(dir.file("out")), expected);
+}
+
+TEST(OutputFile, EachNewFileCountsItsOffsetsFromItsStart) {
+  TempDir dir;
+  Bytes first, second;
+  OutputFile out;  // one object for numbered files in turn, as stills and sub-pictures use it
+  WriteUntilTheFirstFullBuffer(out, dir.file("one"), first);
+  out.Close();
+  EXPECT_EQ(WriteUntilTheFirstFullBuffer(out, dir.file("two"), second), 196608u);
+  out.Close();
+  EXPECT_EQ(ReadFileBytes(dir.file("two")), second);
 }
 
 TEST(OutputFile, NoRoomWithoutAFile) {
