@@ -10,6 +10,7 @@
 #include "extract/output_file.h"
 #include "extract/payload.h"
 #include "extract/record_reader.h"
+#include "extract/write_behind.h"
 #include "platform/file_identity.h"
 #include "platform/format.h"
 #include "stream/hex_view.h"
@@ -197,7 +198,10 @@ void WriteSwapped(OutputFile& file, RecordReader& reader, ByteRange range) {
 }  // namespace
 
 void ExtractAudio(AppContext& ctx) {
+  // Declared before the files it writes for, so that it outlives them.
+  WriteBehind writer(OutputFile::kDefaultBufferSize + OutputFile::kCarryRoom);
   std::array<AudioSlot, 8> slots;
+  for (AudioSlot& slot : slots) slot.file = OutputFile(&writer);
   ctx.ClearReportList();
   WaitCursor cursor(ctx.ui);
   RecordReader reader(ctx.open.file_handle);
@@ -318,7 +322,9 @@ void ExtractVideoStream(AppContext& ctx, bool stills) {
                              "MPEG Video(*.M2V)|*.M2V|", "");
   if (!chosen) return;
   cursor.On();
-  OutputFile out;
+  // The video goes out through a writer thread; stills are small files, made one after another.
+  WriteBehind writer(OutputFile::kDefaultBufferSize + OutputFile::kCarryRoom);
+  OutputFile out(stills ? nullptr : &writer);
   std::string base;
   std::int32_t counter = 0;
   if (stills) {
