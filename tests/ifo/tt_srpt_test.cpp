@@ -261,9 +261,7 @@ std::vector<std::uint8_t> TruncatedFourTitles() {
 
 void OpenTruncatedVmg(Fixture& f) {
   std::vector<std::uint8_t> table = TruncatedFourTitles();
-  std::vector<std::uint8_t> image = test::MakeVmgImage();
-  ByteWriter(image).put_be32(kTtSrptSa, 1);
-  image.insert(image.end(), table.begin(), table.end());
+  std::vector<std::uint8_t> image = test::WithTables(test::MakeVmgImage(), {{kTtSrptSa, table}});
   test::OpenIfo(f, "VIDEO_TS.IFO", image);
 }
 

@@ -203,15 +203,8 @@ TEST(SrptPartRulesTest, HostileOffsetsAreBoundedByTheFileLength) {
     std::uint32_t off = n % 2 == 0 ? 8 : 0x7FFFFFFF;
     for (int b = 3; b >= 0; --b) table.push_back(static_cast<std::uint8_t>(off >> (8 * b)));
   }
-  f.OpenBytes(
-      "VTS_01_0.IFO",
-      [&] {
-        std::vector<std::uint8_t> image = test::MakeVtsImage();
-        ByteWriter(image).put_be32(kVtsPttSrptSa, 1);
-        image.insert(image.end(), table.begin(), table.end());
-        return image;
-      }(),
-      kFileIfo);
+  f.OpenBytes("VTS_01_0.IFO", test::WithTables(test::MakeVtsImage(), {{kVtsPttSrptSa, table}}),
+              kFileIfo);
   ShowIfoOverview(*f.ctx);
   std::vector<std::string> lines = test::DetailsOf(f, "PTT_SRPTI");
   // All 65535 units are listed; the pointers of units 65 on lie beyond the end of the file and
@@ -234,9 +227,8 @@ TEST(SrptPartRulesTest, TruncatedFileListsEveryUnitWithZerosBeyondItsEnd) {
   Fixture f;
   std::vector<std::uint8_t> table = {0x00, 0x03, 0x00, 0x00, 0x00, 0x00,
                                      0x00, 0x1B, 0x00, 0x00, 0x00, 0x14};
-  std::vector<std::uint8_t> image = test::MakeVtsImage();
-  ByteWriter(image).put_be32(kVtsPttSrptSa, 1);
-  image.insert(image.end(), table.begin(), table.end());
+  std::vector<std::uint8_t> image =
+      test::WithTables(test::MakeVtsImage(), {{kVtsPttSrptSa, table}});
   test::OpenIfo(f, "VTS_01_0.IFO", image);
   EXPECT_EQ(test::DetailsOf(f, "PTT_SRPTI"),
             (std::vector<std::string>{
@@ -256,9 +248,8 @@ TEST(SrptPartRulesTest, EntriesBeyondTheEndOfTheFileReadZero) {
   // begin beyond the end of the file and are not walked.
   std::vector<std::uint8_t> table = {0x00, 0x01, 0x00, 0x00, 0x00, 0x00, 0x00,
                                      0x17, 0x00, 0x00, 0x00, 0x0C, 0x00, 0x05};
-  std::vector<std::uint8_t> image = test::MakeVtsImage();
-  ByteWriter(image).put_be32(kVtsPttSrptSa, 1);
-  image.insert(image.end(), table.begin(), table.end());
+  std::vector<std::uint8_t> image =
+      test::WithTables(test::MakeVtsImage(), {{kVtsPttSrptSa, table}});
   test::OpenIfo(f, "VTS_01_0.IFO", image);
   EXPECT_EQ(test::DetailsOf(f, "PTT_SRPTI"),
             (std::vector<std::string>{

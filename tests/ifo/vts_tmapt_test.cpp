@@ -267,9 +267,7 @@ TEST(TmaptRulesTest, HostileCountsRunInFullOverZeros) {
   for (int n = 0; n < 16; ++n) {
     for (std::uint8_t b : {0x00, 0x00, 0x00, 0x08}) table.push_back(b);
   }
-  std::vector<std::uint8_t> image = test::MakeVtsImage();
-  ByteWriter(image).put_be32(kVtsTmaptSa, 1);
-  image.insert(image.end(), table.begin(), table.end());
+  std::vector<std::uint8_t> image = test::WithTables(test::MakeVtsImage(), {{kVtsTmaptSa, table}});
   test::OpenIfo(f, "VTS_01_0.IFO", image);
   std::vector<std::string> lines = test::DetailsOf(f, "VTS_TMAPT");
   // All 65535 maps are listed. Maps 1 to 16 have 8 entries each (body positions 4 .. 32, the
@@ -296,9 +294,7 @@ TEST(TmaptRulesTest, MapsSharingTheirEntriesCannotMultiplyTheWork) {
   std::vector<std::uint8_t> table = {0x00, 0x03, 0x00, 0x00, 0xFF, 0xFF, 0xFF, 0xFF,
                                      0x00, 0x00, 0x00, 0x14, 0x00, 0x00, 0x00, 0x14,
                                      0x00, 0x00, 0x00, 0x14, 0x01, 0x00, 0xFF, 0xFF};
-  std::vector<std::uint8_t> image = test::MakeVtsImage();
-  ByteWriter(image).put_be32(kVtsTmaptSa, 1);
-  image.insert(image.end(), table.begin(), table.end());
+  std::vector<std::uint8_t> image = test::WithTables(test::MakeVtsImage(), {{kVtsTmaptSa, table}});
   test::OpenIfo(f, "VTS_01_0.IFO", image);
   std::vector<std::string> lines = test::DetailsOf(f, "VTS_TMAPT");
   ASSERT_EQ(lines.size(), 2u + 3u * 2u + 65535u);
@@ -320,9 +316,7 @@ std::vector<std::uint8_t> TruncatedMap() {
 TEST(TmaptRulesTest, EntriesBeyondTheEndOfTheFileReadZero) {
   Fixture f;
   std::vector<std::uint8_t> table = TruncatedMap();
-  std::vector<std::uint8_t> image = test::MakeVtsImage();
-  ByteWriter(image).put_be32(kVtsTmaptSa, 1);
-  image.insert(image.end(), table.begin(), table.end());
+  std::vector<std::uint8_t> image = test::WithTables(test::MakeVtsImage(), {{kVtsTmaptSa, table}});
   test::OpenIfo(f, "VTS_01_0.IFO", image);
   EXPECT_EQ(
       test::DetailsOf(f, "VTS_TMAPT"),
@@ -338,9 +332,7 @@ TEST(TmaptRulesTest, EntriesBeyondTheEndOfTheFileReadZero) {
 TEST(TmaptRulesTest, TruncatedFileDisassemblesAndAssemblesEveryEntry) {
   Fixture f;
   std::vector<std::uint8_t> table = TruncatedMap();
-  std::vector<std::uint8_t> image = test::MakeVtsImage();
-  ByteWriter(image).put_be32(kVtsTmaptSa, 1);
-  image.insert(image.end(), table.begin(), table.end());
+  std::vector<std::uint8_t> image = test::WithTables(test::MakeVtsImage(), {{kVtsTmaptSa, table}});
   test::OpenIfo(f, "VTS_01_0.IFO", image);
   std::string text = test::DisassembleTables(f, {TableId::kVtsTmapt});
   std::vector<std::string> keys = test::SectionLines(text, "vts_tmapti");
