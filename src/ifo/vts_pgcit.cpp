@@ -20,14 +20,7 @@ constexpr TableNames kNames = {"VTS_PGCITI", "Video title set Program Chain Info
 constexpr const char* kSection = "vts_pgcit";
 constexpr const char* kMissingCaption = "Statement missing in vts_pgciti";
 constexpr const char* kPgcPrefix = "vts_pgc_";
-constexpr std::uint32_t kHeaderSize = 8;
 constexpr std::uint32_t kPointerSize = 8;
-
-// Chain offsets count from the start of the table; the body read starts after its header. An
-// offset inside the header reads as nothing.
-std::size_t BodyOffset(std::uint32_t offset) {
-  return offset >= kHeaderSize ? offset - kHeaderSize : SIZE_MAX;
-}
 
 // The table's body as read afresh from the file: the low 16 bits of the end address in bytes
 // from just after the header (zeros beyond the end of the file), and how many of its search
@@ -64,7 +57,8 @@ void ReportPgcit(AppContext& ctx) {
     ctx.AddReportLine(Format("  VTS_PGC Category %d: %08x", {n, view.be32(at)}));
     ctx.AddReportLine(Format("  VTS_PGCI memory offset address %d: %d", {n, offset}));
     ctx.AddReportLine(Format("    Program Chain Information Table (PGCI) %d", {n}));
-    pgc_report(ctx, 5, view, BodyOffset(offset));
+    // Chain offsets count from the start of the table; one inside the header reads as nothing.
+    pgc_report(ctx, 5, BodyAt(view, offset), 0);
   }
 }
 
@@ -81,7 +75,7 @@ void DisassemblePgcit(AppContext& ctx) {
     WriteSourceValue(ctx, kSection, Format("vts_pgc_cat%02d", {n}),
                      Format("%08x", {view.be32(at)}));
     WriteSourceValue(ctx, kSection, Format("vts_pgci_sa%02d", {n}), Format("%d", {offset}));
-    pgc_disassemble(ctx, view, BodyOffset(offset), kPgcPrefix, Format("vts_pgcit%02d", {n}));
+    pgc_disassemble(ctx, BodyAt(view, offset), 0, kPgcPrefix, Format("vts_pgcit%02d", {n}));
   }
 }
 
