@@ -25,6 +25,8 @@ struct Session {
   bool usage_error = false;
   // The chosen command, run once the whole command line is parsed (global options applied).
   std::function<void()> action;
+  // Set by a command with exit statuses of its own (the whole-disc commands).
+  std::optional<int> exit_status;
 };
 
 // Prints every line of the report list, each followed by "\n", to standard output.
@@ -39,6 +41,7 @@ bool OpenForCommand(Session& session, const std::string& file,
 void AddStreamCommands(CLI::App& app, Session& session);   // open, list, hex, details
 void AddExtractCommands(CLI::App& app, Session& session);  // extract
 void AddIfoCommands(CLI::App& app, Session& session);      // ifo, disasm, asm
+void AddDiscCommands(CLI::App& app, Session& session);     // info, verify
 
 // The desktop tool's "-asm=" / "-obj=" arguments. Returns the exit status, or nothing when
 // the arguments hold no such form.

@@ -17,6 +17,7 @@ namespace {
 
 int ExitStatus(const Session& session) {
   if (session.usage_error) return 2;
+  if (session.exit_status) return *session.exit_status;
   return session.ui.messages_shown() > 0 ? 1 : 0;
 }
 
@@ -80,6 +81,7 @@ int Run(int argc, char** argv) {
   AddStreamCommands(app, session);
   AddExtractCommands(app, session);
   AddIfoCommands(app, session);
+  AddDiscCommands(app, session);
 
   try {
     app.parse(argc, argv);

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "ifo/fields.h"
+#include "ifo/layouts.h"
 #include "ifo/nav_command.h"
 #include "ifo/opened_table.h"
 #include "ifo/source.h"
@@ -491,6 +492,10 @@ void AppendChainBlock(ByteAppender& a, const std::vector<LoadedPgc>& pgcs,
     offset += static_cast<std::uint32_t>(pgc.bytes.size());
   }
   for (const LoadedPgc& pgc : pgcs) a.bytes(ByteView(pgc.bytes));
+}
+
+std::span<const FieldDesc> PgcHeaderLayout() {
+  return kPgcHeader;
 }
 
 }  // namespace tarvex

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "ifo/fields.h"
+#include "ifo/layouts.h"
 #include "ifo/opened_table.h"
 #include "ifo/source.h"
 #include "platform/format.h"
@@ -175,5 +176,15 @@ const TableModule kTtSrptModule = {
     .MeasureTable = Measure,
     .EmitTable = Emit,
 };
+
+// The descriptors of the title entry, without the table's own load rules.
+std::span<const FieldDesc> TtSrptEntryLayout() {
+  static const auto kLayout = [] {
+    std::array<FieldDesc, std::size(kEntry)> layout{};
+    for (std::size_t i = 0; i < layout.size(); ++i) layout[i] = kEntry[i].desc;
+    return layout;
+  }();
+  return kLayout;
+}
 
 }  // namespace tarvex

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "ifo/fields.h"
+#include "ifo/layouts.h"
 #include "ifo/pgc.h"
 #include "ifo/source.h"
 #include "platform/format.h"
@@ -321,6 +322,10 @@ void AssembleVideoManager(AppContext& ctx, File& out, const std::string& output_
 
   WriteTableSectors(out, ByteView(image.data(), vmgi_mat_ea + 1u));
   for (TableId id : kFollowingTables) EmitTable(ctx, id, out);
+}
+
+std::span<const FieldDesc> VmgiMatLayout() {
+  return kVmgiMat;
 }
 
 }  // namespace tarvex

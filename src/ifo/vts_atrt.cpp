@@ -4,6 +4,7 @@
 #include <string>
 
 #include "ifo/fields.h"
+#include "ifo/layouts.h"
 #include "ifo/opened_table.h"
 #include "ifo/source.h"
 #include "platform/bytes.h"
@@ -182,5 +183,9 @@ const TableModule kVtsAtrtModule = {
     .MeasureTable = Measure,
     .EmitTable = Emit,
 };
+
+std::span<const FieldDesc> VtsAtrtRecordLayout() {
+  return kRecord;
+}
 
 }  // namespace tarvex

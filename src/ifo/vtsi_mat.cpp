@@ -3,6 +3,7 @@
 #include <array>
 
 #include "ifo/fields.h"
+#include "ifo/layouts.h"
 #include "ifo/source.h"
 #include "ifo/vmgi_mat.h"
 #include "platform/format.h"
@@ -325,6 +326,10 @@ void AssembleTitleSet(AppContext& ctx, File& out, const std::string& output_path
 
   out.Write(record.data(), record.size());
   for (const FollowingTable& table : kFollowingTables) EmitTable(ctx, table.id, out);
+}
+
+std::span<const FieldDesc> VtsiMatLayout() {
+  return kVtsiMat;
 }
 
 }  // namespace tarvex

@@ -1,0 +1,333 @@
+#include "disc/disc_access.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <udfread/blockinput.h>
+#include <udfread/udfread.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+
+namespace tarvex {
+
+namespace {
+
+std::string Upper(std::string text) {
+  for (char& c : text) {
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+  }
+  return text;
+}
+
+bool SameName(const std::string& a, const std::string& b) {
+  return Upper(a) == Upper(b);
+}
+
+void SortByName(std::vector<DiscFileEntry>& files) {
+  std::sort(files.begin(), files.end(), [](const DiscFileEntry& a, const DiscFileEntry& b) {
+    return Upper(a.name) < Upper(b.name);
+  });
+}
+
+// ---- a folder ---------------------------------------------------------------------------
+
+class PosixFile final : public DiscFile {
+ public:
+  PosixFile(int fd, std::uint64_t size) : fd_(fd), size_(size) {
+#ifdef POSIX_FADV_SEQUENTIAL
+    posix_fadvise(fd_, 0, 0, POSIX_FADV_SEQUENTIAL);
+#endif
+  }
+  ~PosixFile() override {
+    close(fd_);
+  }
+  std::uint64_t size() const override {
+    return size_;
+  }
+  std::size_t ReadAt(std::uint64_t offset, std::span<std::uint8_t> out) override {
+    std::size_t done = 0;
+    while (done < out.size()) {
+      ssize_t n =
+          pread(fd_, out.data() + done, out.size() - done, static_cast<off_t>(offset + done));
+      if (n < 0 && errno == EINTR) continue;
+      if (n <= 0) break;
+      done += static_cast<std::size_t>(n);
+    }
+    return done;
+  }
+
+ private:
+  int fd_;
+  std::uint64_t size_;
+};
+
+class FolderDisc final : public DiscAccess {
+ public:
+  explicit FolderDisc(std::filesystem::path folder) : folder_(std::move(folder)) {
+    std::error_code ec;
+    for (const auto& entry : std::filesystem::directory_iterator(folder_, ec)) {
+      std::error_code ec2;
+      if (!entry.is_regular_file(ec2)) continue;
+      files_.push_back({entry.path().filename().string(), entry.file_size(ec2), std::nullopt});
+    }
+    SortByName(files_);
+  }
+  const char* kind() const override { return "folder"; }
+  const std::vector<DiscFileEntry>& files() const override { return files_; }
+  std::unique_ptr<DiscFile> Open(const std::string& name) override {
+    const DiscFileEntry* entry = Find(name);
+    if (entry == nullptr) return nullptr;
+    int fd = open((folder_ / entry->name).c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+    if (fd < 0) return nullptr;
+    struct stat st {};
+    if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+      close(fd);
+      return nullptr;
+    }
+    return std::make_unique<PosixFile>(fd, static_cast<std::uint64_t>(st.st_size));
+  }
+
+ private:
+  std::filesystem::path folder_;
+  std::vector<DiscFileEntry> files_;
+};
+
+// The VIDEO_TS folder of path: path itself when it is named so, else its VIDEO_TS child.
+std::optional<std::filesystem::path> FindVideoTs(const std::filesystem::path& path) {
+  if (SameName(path.filename().string(), "VIDEO_TS")) return path;
+  std::error_code ec;
+  for (const auto& entry : std::filesystem::directory_iterator(path, ec)) {
+    std::error_code ec2;
+    if (entry.is_directory(ec2) && SameName(entry.path().filename().string(), "VIDEO_TS")) {
+      return entry.path();
+    }
+  }
+  return std::nullopt;
+}
+
+// ---- an ISO image -----------------------------------------------------------------------
+
+// The block input libudfread reads the image through: a file descriptor or bytes in memory.
+struct ImageInput {
+  udfread_block_input base;  // first member: libudfread hands this pointer back
+  int fd = -1;
+  std::vector<std::uint8_t> memory;
+  std::uint32_t blocks = 0;
+};
+
+int ImageRead(udfread_block_input* input, std::uint32_t lba, void* buf, std::uint32_t nblocks,
+              int) {
+  auto* self = reinterpret_cast<ImageInput*>(input);
+  if (lba >= self->blocks) return 0;
+  std::uint32_t n = std::min(nblocks, self->blocks - lba);
+  std::uint64_t offset = std::uint64_t{lba} * UDF_BLOCK_SIZE;
+  std::uint64_t bytes = std::uint64_t{n} * UDF_BLOCK_SIZE;
+  if (self->fd < 0) {
+    std::memcpy(buf, self->memory.data() + offset, bytes);
+    return static_cast<int>(n);
+  }
+  std::uint64_t done = 0;
+  auto* out = static_cast<std::uint8_t*>(buf);
+  while (done < bytes) {
+    ssize_t r = pread(self->fd, out + done, bytes - done, static_cast<off_t>(offset + done));
+    if (r < 0 && errno == EINTR) continue;
+    if (r <= 0) break;
+    done += static_cast<std::uint64_t>(r);
+  }
+  return static_cast<int>(done / UDF_BLOCK_SIZE);
+}
+
+std::uint32_t ImageSize(udfread_block_input* input) {
+  return reinterpret_cast<ImageInput*>(input)->blocks;
+}
+
+int ImageClose(udfread_block_input*) {
+  return 0;  // the ImageDisc owns the input and closes it
+}
+
+class UdfFile final : public DiscFile {
+ public:
+  explicit UdfFile(UDFFILE* file) : file_(file) {
+    std::int64_t n = udfread_file_size(file_);
+    size_ = n > 0 ? static_cast<std::uint64_t>(n) : 0;
+  }
+  ~UdfFile() override { udfread_file_close(file_); }
+  std::uint64_t size() const override { return size_; }
+  std::size_t ReadAt(std::uint64_t offset, std::span<std::uint8_t> out) override {
+    if (offset >= size_) return 0;
+    std::size_t want =
+        static_cast<std::size_t>(std::min<std::uint64_t>(out.size(), size_ - offset));
+    std::size_t done = 0;
+    // Whole blocks straight into the caller's buffer, the rest through a block of our own.
+    while (done < want) {
+      std::uint64_t pos = offset + done;
+      auto block = static_cast<std::uint32_t>(pos / UDF_BLOCK_SIZE);
+      std::size_t in_block = pos % UDF_BLOCK_SIZE;
+      std::size_t left = want - done;
+      if (in_block == 0 && left >= UDF_BLOCK_SIZE) {
+        auto blocks =
+            static_cast<std::uint32_t>(std::min<std::size_t>(left / UDF_BLOCK_SIZE, 1u << 20));
+        std::uint32_t got = udfread_read_blocks(file_, out.data() + done, block, blocks, 0);
+        if (got == 0) break;
+        done += std::size_t{got} * UDF_BLOCK_SIZE;
+        continue;
+      }
+      std::uint8_t tmp[UDF_BLOCK_SIZE];
+      if (udfread_read_blocks(file_, tmp, block, 1, 0) != 1) break;
+      std::size_t n = std::min(left, UDF_BLOCK_SIZE - in_block);
+      std::memcpy(out.data() + done, tmp + in_block, n);
+      done += n;
+    }
+    return done;
+  }
+
+ private:
+  UDFFILE* file_;
+  std::uint64_t size_ = 0;
+};
+
+class ImageDisc final : public DiscAccess {
+ public:
+  ImageDisc() = default;
+  ~ImageDisc() override {
+    if (udf_ != nullptr) udfread_close(udf_);
+    if (input_ && input_->fd >= 0) close(input_->fd);
+  }
+
+  bool Start(std::unique_ptr<ImageInput> input, std::string& error) {
+    input_ = std::move(input);
+    input_->base.read = ImageRead;
+    input_->base.size = ImageSize;
+    input_->base.close = ImageClose;
+    udf_ = udfread_init();
+    if (udf_ == nullptr || udfread_open_input(udf_, &input_->base) < 0) {
+      error = "no UDF file system in the image";
+      return false;
+    }
+    UDFDIR* root = udfread_opendir(udf_, "/");
+    if (root == nullptr) {
+      error = "the image's root folder cannot be read";
+      return false;
+    }
+    udfread_dirent entry{};
+    while (udfread_readdir(root, &entry) != nullptr) {
+      if (entry.d_type == UDF_DT_DIR && entry.d_name && SameName(entry.d_name, "VIDEO_TS")) {
+        folder_ = std::string("/") + entry.d_name + "/";
+        break;
+      }
+    }
+    udfread_closedir(root);
+    if (folder_.empty()) {
+      error = "no VIDEO_TS folder in the image";
+      return false;
+    }
+    ListFiles();
+    return true;
+  }
+
+  const char* kind() const override { return "iso"; }
+  const std::vector<DiscFileEntry>& files() const override { return files_; }
+  std::unique_ptr<DiscFile> Open(const std::string& name) override {
+    const DiscFileEntry* entry = Find(name);
+    if (entry == nullptr) return nullptr;
+    UDFFILE* file = udfread_file_open(udf_, (folder_ + entry->name).c_str());
+    if (file == nullptr) return nullptr;
+    return std::make_unique<UdfFile>(file);
+  }
+
+ private:
+  void ListFiles() {
+    UDFDIR* dir = udfread_opendir(udf_, folder_.c_str());
+    if (dir == nullptr) return;
+    udfread_dirent entry{};
+    std::vector<std::string> names;
+    while (udfread_readdir(dir, &entry) != nullptr) {
+      if (entry.d_type == UDF_DT_REG && entry.d_name != nullptr) names.emplace_back(entry.d_name);
+      if (names.size() > 4096) break;  // a damaged directory does not list forever
+    }
+    udfread_closedir(dir);
+    for (const std::string& name : names) {
+      UDFFILE* file = udfread_file_open(udf_, (folder_ + name).c_str());
+      if (file == nullptr) continue;
+      std::int64_t size = udfread_file_size(file);
+      std::uint32_t lba = udfread_file_lba(file, 0);
+      udfread_file_close(file);
+      files_.push_back({name, size > 0 ? static_cast<std::uint64_t>(size) : 0,
+                        lba != 0 ? std::optional<std::uint32_t>(lba) : std::nullopt});
+    }
+    SortByName(files_);
+  }
+
+  std::unique_ptr<ImageInput> input_;
+  udfread* udf_ = nullptr;
+  std::string folder_;
+  std::vector<DiscFileEntry> files_;
+};
+
+}  // namespace
+
+const DiscFileEntry* DiscAccess::Find(const std::string& name) const {
+  for (const DiscFileEntry& entry : files()) {
+    if (SameName(entry.name, name)) return &entry;
+  }
+  return nullptr;
+}
+
+std::optional<std::vector<std::uint8_t>> DiscAccess::ReadWhole(const std::string& name,
+                                                               std::uint64_t max_bytes) {
+  std::unique_ptr<DiscFile> file = Open(name);
+  if (!file) return std::nullopt;
+  std::vector<std::uint8_t> bytes(static_cast<std::size_t>(std::min(file->size(), max_bytes)));
+  bytes.resize(file->ReadAt(0, bytes));
+  return bytes;
+}
+
+std::unique_ptr<DiscAccess> OpenDisc(const std::string& path, std::string& error) {
+  std::error_code ec;
+  std::filesystem::path p(path);
+  auto status = std::filesystem::status(p, ec);
+  if (ec || !std::filesystem::exists(status)) {
+    error = "no such file or folder";
+    return nullptr;
+  }
+  if (std::filesystem::is_directory(status)) {
+    std::optional<std::filesystem::path> folder = FindVideoTs(p);
+    if (!folder) {
+      error = "not a VIDEO_TS folder and holds none";
+      return nullptr;
+    }
+    return std::make_unique<FolderDisc>(*folder);
+  }
+  int fd = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  if (fd < 0) {
+    error = std::strerror(errno);
+    return nullptr;
+  }
+  struct stat st {};
+  if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+    close(fd);
+    error = "not a folder or an image file";
+    return nullptr;
+  }
+  auto input = std::make_unique<ImageInput>();
+  input->fd = fd;
+  input->blocks = static_cast<std::uint32_t>(
+      std::min<std::uint64_t>(static_cast<std::uint64_t>(st.st_size) / UDF_BLOCK_SIZE, UINT32_MAX));
+  auto disc = std::make_unique<ImageDisc>();
+  if (!disc->Start(std::move(input), error)) return nullptr;
+  return disc;
+}
+
+std::unique_ptr<DiscAccess> OpenDiscImage(std::vector<std::uint8_t> image, std::string& error) {
+  auto input = std::make_unique<ImageInput>();
+  input->blocks = static_cast<std::uint32_t>(image.size() / UDF_BLOCK_SIZE);
+  input->memory = std::move(image);
+  auto disc = std::make_unique<ImageDisc>();
+  if (!disc->Start(std::move(input), error)) return nullptr;
+  return disc;
+}
+
+}  // namespace tarvex

@@ -1,0 +1,378 @@
+#include "disc/info.h"
+
+#include <cstdio>
+#include <set>
+
+#include "platform/format.h"
+#include "platform/json_writer.h"
+
+namespace tarvex {
+
+namespace {
+
+double Seconds(std::uint64_t ms) {
+  return static_cast<double>(ms) / 1000.0;
+}
+
+std::string MsText(std::uint64_t ms) {
+  char buf[48];
+  std::snprintf(
+      buf, sizeof buf, "%02llu:%02llu:%02llu.%03llu", static_cast<unsigned long long>(ms / 3600000),
+      static_cast<unsigned long long>(ms / 60000 % 60),
+      static_cast<unsigned long long>(ms / 1000 % 60), static_cast<unsigned long long>(ms % 1000));
+  return buf;
+}
+
+std::string PaletteEntry(std::uint32_t colour) {
+  char buf[8];
+  std::snprintf(buf, sizeof buf, "%02x%02x%02x", (colour >> 16) & 0xFF, (colour >> 8) & 0xFF,
+                colour & 0xFF);
+  return buf;
+}
+
+// A chapter: its part of title, the chain and the cells from the program's entry cell up to
+// the next program's.
+struct Chapter {
+  std::uint32_t number = 0;
+  const Pgc* pgc = nullptr;
+  std::uint32_t first_cell = 0, end_cell = 0;  // cells first_cell .. end_cell - 1 (1-based)
+  std::uint64_t ms = 0;
+};
+
+std::vector<Chapter> Chapters(const TitleView& view) {
+  std::vector<Chapter> chapters;
+  if (view.parts == nullptr) return chapters;
+  for (std::size_t i = 0; i < view.parts->size(); ++i) {
+    const PartOfTitle& part = (*view.parts)[i];
+    Chapter c;
+    c.number = static_cast<std::uint32_t>(i + 1);
+    if (part.pgcn >= 1 && part.pgcn <= view.title_set->pgcs.size()) {
+      c.pgc = &view.title_set->pgcs[part.pgcn - 1];
+      const auto& map = c.pgc->program_map;
+      if (part.pgn >= 1 && part.pgn <= map.size()) {
+        c.first_cell = map[part.pgn - 1];
+        c.end_cell = part.pgn < map.size() ? map[part.pgn] : c.pgc->cells.size() + 1;
+        for (std::uint32_t k = c.first_cell; k < c.end_cell && k <= c.pgc->cells.size(); ++k) {
+          if (k >= 1) c.ms += c.pgc->cells[k - 1].time.Milliseconds();
+        }
+      }
+    }
+    chapters.push_back(c);
+  }
+  return chapters;
+}
+
+// The chains of a title in the order its parts first name them.
+std::vector<const Pgc*> TitleChains(const TitleView& view) {
+  std::vector<const Pgc*> chains;
+  std::set<std::uint16_t> seen;
+  if (view.parts == nullptr) return chains;
+  for (const PartOfTitle& part : *view.parts) {
+    if (part.pgcn < 1 || part.pgcn > view.title_set->pgcs.size()) continue;
+    if (seen.insert(part.pgcn).second) chains.push_back(&view.title_set->pgcs[part.pgcn - 1]);
+  }
+  return chains;
+}
+
+std::uint64_t ChainsMs(const std::vector<const Pgc*>& chains) {
+  std::uint64_t ms = 0;
+  for (const Pgc* pgc : chains) ms += pgc->time.Milliseconds();
+  return ms;
+}
+
+std::optional<std::uint32_t> AudioId(const AudioAttributes& a, const Pgc* pgc, std::size_t i) {
+  if (pgc == nullptr) return std::nullopt;
+  auto n = AudioControlNumber(pgc->audio_control[i]);
+  if (!n) return std::nullopt;
+  auto id = AudioStreamId(a.coding, *n);
+  if (!id) return std::nullopt;
+  return *id;
+}
+
+std::optional<std::uint32_t> SubpictureId(const VideoAttributes& video, const Pgc* pgc,
+                                          std::size_t i) {
+  if (pgc == nullptr) return std::nullopt;
+  SubpictureControl c = DecodeSubpictureControl(pgc->subpicture_control[i]);
+  if (!c.available) return std::nullopt;
+  return 0x20 + (video.wide() ? c.wide : c.standard);
+}
+
+const char* MenuName(std::uint32_t id) {
+  switch (id) {
+    case 2:
+      return "title";
+    case 3:
+      return "root";
+    case 4:
+      return "subpicture";
+    case 5:
+      return "audio";
+    case 6:
+      return "angle";
+    case 7:
+      return "chapter";
+    default:
+      return nullptr;
+  }
+}
+
+// ---- JSON -------------------------------------------------------------------------------
+
+void WriteVideo(JsonWriter& j, const VideoAttributes& v) {
+  j.Key("video").BeginObject();
+  j.Member("standard", v.standard).Member("aspect", v.aspect);
+  j.MemberUint("width", v.width).MemberUint("height", v.height);
+  j.Key("frame_rate").Decimal(v.frame_rate, 2);
+  j.Key("letterboxed").Bool(v.letterboxed);
+  j.Key("mpeg").Uint(v.mpeg2 ? 2 : 1);
+  j.EndObject();
+}
+
+void WriteOptionalText(JsonWriter& j, std::string_view key, const std::optional<std::string>& t) {
+  j.Key(key);
+  if (t) {
+    j.String(*t);
+  } else {
+    j.Null();
+  }
+}
+
+void WriteStreamId(JsonWriter& j, std::optional<std::uint32_t> id) {
+  j.Key("stream_id");
+  if (id) {
+    j.String(StreamIdText(*id));
+  } else {
+    j.Null();
+  }
+}
+
+void WriteAudio(JsonWriter& j, const StreamDeclarations& s, const Pgc* pgc) {
+  j.Key("audio").BeginArray();
+  for (std::size_t i = 0; i < s.audio.size(); ++i) {
+    const AudioAttributes& a = s.audio[i];
+    j.BeginObject().MemberUint("number", i + 1);
+    WriteStreamId(j, AudioId(a, pgc, i));
+    WriteOptionalText(j, "language", a.language);
+    j.Member("format", a.format).MemberUint("frequency", a.frequency);
+    j.MemberUint("channels", a.channels).MemberUint("quantization", a.quantization);
+    j.MemberUint("application_mode", a.application_mode);
+    j.MemberUint("code_extension", a.code_extension);
+    j.EndObject();
+  }
+  j.EndArray();
+}
+
+void WriteSubpictures(JsonWriter& j, const StreamDeclarations& s, const Pgc* pgc) {
+  j.Key("subpictures").BeginArray();
+  for (std::size_t i = 0; i < s.subpictures.size(); ++i) {
+    const SubpictureAttributes& sp = s.subpictures[i];
+    j.BeginObject().MemberUint("number", i + 1);
+    WriteStreamId(j, SubpictureId(s.video, pgc, i));
+    WriteOptionalText(j, "language", sp.language);
+    j.MemberUint("code_extension", sp.code_extension);
+    if (pgc != nullptr && s.video.wide()) {
+      SubpictureControl c = DecodeSubpictureControl(pgc->subpicture_control[i]);
+      if (c.available) {
+        j.Member("wide_id", StreamIdText(0x20 + c.wide));
+        j.Member("letterbox_id", StreamIdText(0x20 + c.letterbox));
+        j.Member("pan_scan_id", StreamIdText(0x20 + c.pan_scan));
+      }
+    }
+    j.EndObject();
+  }
+  j.EndArray();
+}
+
+void WriteCells(JsonWriter& j, const std::vector<const Pgc*>& chains, bool with_chain) {
+  j.Key("cells").BeginArray();
+  for (const Pgc* pgc : chains) {
+    for (const Cell& c : pgc->cells) {
+      j.BeginObject().MemberUint("number", c.number);
+      if (with_chain) j.MemberUint("pgc", pgc->number);
+      j.Key("length").Decimal(Seconds(c.time.Milliseconds()), 3);
+      j.MemberUint("first_sector", c.first_sector).MemberUint("last_sector", c.last_sector);
+      j.MemberUint("vob_id", c.vob_id).MemberUint("cell_id", c.cell_id);
+      j.MemberUint("still_time", c.still_time());
+      j.EndObject();
+    }
+  }
+  j.EndArray();
+}
+
+void WritePalette(JsonWriter& j, const Pgc* pgc) {
+  j.Key("palette").BeginArray();
+  if (pgc != nullptr) {
+    for (std::uint32_t colour : pgc->palette) j.String(PaletteEntry(colour));
+  }
+  j.EndArray();
+}
+
+void WriteTitle(JsonWriter& j, const Disc& disc, const TitleEntry& t) {
+  TitleView view = ViewTitle(disc, t);
+  std::vector<const Pgc*> chains = TitleChains(view);
+  j.BeginObject();
+  j.MemberUint("number", t.number).MemberUint("title_set", t.title_set);
+  j.MemberUint("title_in_set", t.title_in_set);
+  j.Key("length").Decimal(Seconds(ChainsMs(chains)), 3);
+  j.MemberUint("angles", t.angles);
+  j.Key("pgcs").BeginArray();
+  for (const Pgc* pgc : chains) j.Uint(pgc->number);
+  j.EndArray();
+  static const StreamDeclarations kNone;
+  const StreamDeclarations& streams = view.title_set ? view.title_set->title : kNone;
+  WriteVideo(j, streams.video);
+  WriteAudio(j, streams, view.pgc);
+  WriteSubpictures(j, streams, view.pgc);
+  j.Key("chapters").BeginArray();
+  for (const Chapter& c : Chapters(view)) {
+    j.BeginObject().MemberUint("number", c.number);
+    j.Key("length").Decimal(Seconds(c.ms), 3);
+    j.MemberUint("first_cell", c.first_cell);
+    if (c.pgc) j.MemberUint("pgc", c.pgc->number);
+    j.EndObject();
+  }
+  j.EndArray();
+  WriteCells(j, chains, chains.size() > 1);
+  WritePalette(j, view.pgc);
+  j.EndObject();
+}
+
+void WriteMenus(JsonWriter& j, const std::vector<LanguageUnit>& units, const char* domain,
+                std::optional<std::uint32_t> title_set, const StreamDeclarations& streams) {
+  for (const LanguageUnit& unit : units) {
+    for (const Pgc& pgc : unit.pgcs) {
+      j.BeginObject();
+      j.Member("domain", domain);
+      j.Key("title_set");
+      if (title_set) {
+        j.Uint(*title_set);
+      } else {
+        j.Null();
+      }
+      j.Member("language", unit.language);
+      j.MemberUint("number", pgc.number);
+      const char* menu = pgc.entry() ? MenuName(pgc.menu_id()) : nullptr;
+      j.Key("entry");
+      if (menu) {
+        j.String(menu);
+      } else {
+        j.Null();
+      }
+      j.Key("length").Decimal(Seconds(pgc.time.Milliseconds()), 3);
+      WriteVideo(j, streams.video);
+      WriteAudio(j, streams, &pgc);
+      WriteSubpictures(j, streams, &pgc);
+      WriteCells(j, {&pgc}, false);
+      WritePalette(j, &pgc);
+      j.EndObject();
+    }
+  }
+}
+
+// ---- text -------------------------------------------------------------------------------
+
+std::string Language(const std::optional<std::string>& language) {
+  return language ? *language : std::string("--");
+}
+
+std::string IdText(std::optional<std::uint32_t> id) {
+  return id ? "stream " + StreamIdText(*id) : std::string("not available");
+}
+
+void TitleText(std::string& out, const Disc& disc, const TitleEntry& t) {
+  TitleView view = ViewTitle(disc, t);
+  std::vector<const Pgc*> chains = TitleChains(view);
+  std::size_t cells = 0;
+  for (const Pgc* p : chains) cells += p->cells.size();
+  std::vector<Chapter> chapters = Chapters(view);
+  out += Format("Title %d: title set %d, title %d, %s, %d chapters, %d cells, %d angles\n",
+                {t.number, t.title_set, t.title_in_set, MsText(ChainsMs(chains)), chapters.size(),
+                 cells, t.angles});
+  if (view.title_set == nullptr) {
+    out += "  (its title set cannot be read)\n";
+    return;
+  }
+  const StreamDeclarations& s = view.title_set->title;
+  out += Format("  Video: %s %dx%d %s, %s fps\n",
+                {s.video.standard, s.video.width, s.video.height, s.video.aspect,
+                 s.video.frame_rate == 25.0 ? "25" : "29.97"});
+  for (std::size_t i = 0; i < s.audio.size(); ++i) {
+    const AudioAttributes& a = s.audio[i];
+    out += Format("  Audio %d: %s %s, %d Hz, %d channels, %s\n",
+                  {i + 1, Language(a.language), a.format, a.frequency, a.channels,
+                   IdText(AudioId(a, view.pgc, i))});
+  }
+  for (std::size_t i = 0; i < s.subpictures.size(); ++i) {
+    out += Format("  Subpicture %d: %s, %s\n", {i + 1, Language(s.subpictures[i].language),
+                                                IdText(SubpictureId(s.video, view.pgc, i))});
+  }
+  for (const Chapter& c : chapters) {
+    out += Format("  Chapter %d: %s, first cell %d\n", {c.number, MsText(c.ms), c.first_cell});
+  }
+  for (const Pgc* pgc : chains) {
+    for (const Cell& c : pgc->cells) {
+      out += Format("  Cell %d: %s, sectors %d-%d, VOB %d cell %d\n",
+                    {c.number, c.time.Text(), c.first_sector, c.last_sector, c.vob_id, c.cell_id});
+    }
+  }
+  if (view.pgc) {
+    out += "  Palette:";
+    for (std::uint32_t colour : view.pgc->palette) out += " " + PaletteEntry(colour);
+    out += "\n";
+  }
+}
+
+void MenuText(std::string& out, const std::vector<LanguageUnit>& units, const std::string& where) {
+  for (const LanguageUnit& unit : units) {
+    for (const Pgc& pgc : unit.pgcs) {
+      const char* menu = pgc.entry() ? MenuName(pgc.menu_id()) : nullptr;
+      out += Format("  %s, language %s, PGC %d%s: %s, %d cells\n",
+                    {where, unit.language, pgc.number,
+                     menu ? std::string(" (") + menu + " menu)" : std::string(), pgc.time.Text(),
+                     pgc.cells.size()});
+    }
+  }
+}
+
+}  // namespace
+
+std::string DiscInfoJson(const Disc& disc) {
+  JsonWriter j;
+  j.BeginObject();
+  j.Member("disc", disc.path);
+  j.Member("access", disc.kind);
+  j.Key("vmg").BeginObject();
+  j.Member("id", disc.vmg.id).Member("provider_id", disc.vmg.provider);
+  j.MemberUint("title_sets", disc.vmg.title_set_count);
+  j.Member("version", Format("%d.%d", {disc.vmg.version >> 4, disc.vmg.version & 15}));
+  j.MemberUint("titles", disc.vmg.titles.size());
+  j.EndObject();
+  j.Key("titles").BeginArray();
+  for (const TitleEntry& t : disc.vmg.titles) WriteTitle(j, disc, t);
+  j.EndArray();
+  j.Key("menus").BeginArray();
+  WriteMenus(j, disc.vmg.menus, "vmgm", std::nullopt, disc.vmg.menu);
+  for (const TitleSet& ts : disc.title_sets) {
+    if (ts.present) WriteMenus(j, ts.menus, "vtsm", ts.number, ts.menu);
+  }
+  j.EndArray();
+  j.EndObject();
+  return j.text();
+}
+
+std::string DiscInfoText(const Disc& disc) {
+  std::string out;
+  out += Format("Disc: %s (%s)\n", {disc.path, disc.kind});
+  out += Format("Video manager: %s, provider \"%s\", version %d.%d, %d title sets, %d titles\n",
+                {disc.vmg.id, disc.vmg.provider, disc.vmg.version >> 4, disc.vmg.version & 15,
+                 disc.vmg.title_set_count, disc.vmg.titles.size()});
+  for (const TitleEntry& t : disc.vmg.titles) TitleText(out, disc, t);
+  out += "Menus:\n";
+  MenuText(out, disc.vmg.menus, "Video manager");
+  for (const TitleSet& ts : disc.title_sets) {
+    if (ts.present) MenuText(out, ts.menus, Format("Title set %d", {ts.number}));
+  }
+  return out;
+}
+
+}  // namespace tarvex

@@ -1,0 +1,172 @@
+#include <algorithm>
+#include <cctype>
+
+#include "disc/load_ifo.h"
+#include "disc/model.h"
+#include "platform/format.h"
+
+namespace tarvex {
+
+namespace {
+
+constexpr std::uint64_t kMaxIfoBytes = 64ull << 20;
+constexpr std::uint32_t kMaxTitleSets = 99;
+
+std::uint64_t Sectors(std::uint64_t bytes) {
+  return (bytes + 2047) / 2048;
+}
+
+void AddPart(const Disc& disc, VobSet& set, const std::string& name) {
+  const DiscFileEntry* entry = disc.access->Find(name);
+  if (entry == nullptr) return;
+  set.parts.push_back({entry->name, entry->size, set.sectors});
+  set.sectors += Sectors(entry->size);
+}
+
+std::string TitleSetFile(std::uint32_t number, std::uint32_t part, const char* extension) {
+  return Format("VTS_%02d_%d.", {number, part}) + extension;
+}
+
+std::uint64_t FileSectors(const Disc& disc, const std::string& name) {
+  const DiscFileEntry* entry = disc.access->Find(name);
+  return entry ? Sectors(entry->size) : 0;
+}
+
+std::optional<std::uint32_t> DiscSector(const Disc& disc, const std::string& name) {
+  const DiscFileEntry* entry = disc.access->Find(name);
+  return entry ? entry->disc_sector : std::nullopt;
+}
+
+// Where each title set starts, counted in sectors from VIDEO_TS.IFO: from the image's own
+// layout when it has one, else as the files would lie one after the other (the order of a
+// DVD-Video disc: the video manager's IFO, menu VOB and BUP, then each title set's IFO, menu
+// VOB, title VOBs and BUP).
+void PlaceTitleSets(Disc& disc) {
+  std::optional<std::uint32_t> vmg_sector = DiscSector(disc, "VIDEO_TS.IFO");
+  std::uint64_t next = FileSectors(disc, "VIDEO_TS.IFO") + disc.vmg.menu_vobs.sectors +
+                       FileSectors(disc, "VIDEO_TS.BUP");
+  for (TitleSet& ts : disc.title_sets) {
+    std::optional<std::uint32_t> sector = DiscSector(disc, ts.ifo_name);
+    if (vmg_sector && sector && *sector >= *vmg_sector) {
+      ts.disc_start = *sector - *vmg_sector;
+    } else {
+      ts.disc_start = next;
+    }
+    next = ts.disc_start + FileSectors(disc, ts.ifo_name) + ts.menu_vobs.sectors +
+           ts.title_vobs.sectors + FileSectors(disc, ts.bup_name);
+  }
+}
+
+std::uint32_t HighestTitleSetFile(const Disc& disc) {
+  std::uint32_t highest = 0;
+  for (const DiscFileEntry& f : disc.files) {
+    std::string n = f.name;
+    if (n.size() == 12 && (n.rfind("VTS_", 0) == 0 || n.rfind("vts_", 0) == 0) &&
+        std::isdigit(static_cast<unsigned char>(n[4])) &&
+        std::isdigit(static_cast<unsigned char>(n[5]))) {
+      highest = std::max<std::uint32_t>(
+          highest, static_cast<std::uint32_t>((n[4] - '0') * 10 + (n[5] - '0')));
+    }
+  }
+  return highest;
+}
+
+void LoadTitleSet(Disc& disc, std::uint32_t number) {
+  TitleSet& ts = disc.title_sets.emplace_back();
+  ts.number = number;
+  ts.ifo_name = TitleSetFile(number, 0, "IFO");
+  ts.bup_name = TitleSetFile(number, 0, "BUP");
+  if (const DiscFileEntry* e = disc.access->Find(ts.ifo_name)) ts.ifo_name = e->name;
+  AddPart(disc, ts.menu_vobs, TitleSetFile(number, 0, "VOB"));
+  for (std::uint32_t part = 1; part <= 9; ++part) {
+    std::string name = TitleSetFile(number, part, "VOB");
+    if (disc.access->Find(name) == nullptr) break;
+    AddPart(disc, ts.title_vobs, name);
+  }
+  if (disc.access->Find(ts.ifo_name) == nullptr) return;
+  auto bytes = disc.access->ReadWhole(ts.ifo_name, kMaxIfoBytes);
+  if (!bytes) {
+    disc.load_findings.AtFile("file.read", ts.ifo_name, "cannot be read");
+    return;
+  }
+  ts.ifo = std::move(*bytes);
+  ts.ifo_size = ts.ifo.size();
+  ReadTitleSetIfo(ByteView(ts.ifo), ts);
+  if (!ts.present) {
+    disc.load_findings.AtTable("ifo.identifier", ts.ifo_name, "VTSI_MAT", 0,
+                               "the identifier is not DVDVIDEO-VTS");
+  }
+}
+
+}  // namespace
+
+std::optional<std::pair<std::string, std::uint64_t>> VobSet::Locate(std::uint64_t sector) const {
+  for (const Part& part : parts) {
+    std::uint64_t n = Sectors(part.size);
+    if (sector >= part.first_sector && sector < part.first_sector + n) {
+      return std::make_pair(part.name, sector - part.first_sector);
+    }
+  }
+  return std::nullopt;
+}
+
+const TitleSet* Disc::FindTitleSet(std::uint32_t number) const {
+  if (number == 0 || number > title_sets.size()) return nullptr;
+  const TitleSet& ts = title_sets[number - 1];
+  return ts.present ? &ts : nullptr;
+}
+
+std::optional<Disc> LoadDisc(std::shared_ptr<DiscAccess> access, const std::string& path,
+                             std::string& error) {
+  Disc disc;
+  disc.path = path;
+  disc.kind = access->kind();
+  disc.files = access->files();
+  disc.access = std::move(access);
+  if (disc.access->Find("VIDEO_TS.IFO") == nullptr) {
+    error = "no VIDEO_TS.IFO";
+    return std::nullopt;
+  }
+  auto bytes = disc.access->ReadWhole("VIDEO_TS.IFO", kMaxIfoBytes);
+  if (!bytes) {
+    error = "VIDEO_TS.IFO cannot be read";
+    return std::nullopt;
+  }
+  disc.vmg.ifo = std::move(*bytes);
+  disc.vmg.ifo_size = disc.vmg.ifo.size();
+  ReadVideoManager(ByteView(disc.vmg.ifo), disc.vmg);
+  if (!disc.vmg.present) {
+    disc.load_findings.AtTable("ifo.identifier", "VIDEO_TS.IFO", "VMGI_MAT", 0,
+                               "the identifier is not DVDVIDEO-VMG");
+  }
+  AddPart(disc, disc.vmg.menu_vobs, "VIDEO_TS.VOB");
+  std::uint32_t count =
+      std::max<std::uint32_t>(disc.vmg.title_set_count, HighestTitleSetFile(disc));
+  count = std::min(count, kMaxTitleSets);
+  for (std::uint32_t n = 1; n <= count; ++n) LoadTitleSet(disc, n);
+  PlaceTitleSets(disc);
+  return disc;
+}
+
+std::optional<Disc> LoadDisc(const std::string& path, std::string& error) {
+  std::unique_ptr<DiscAccess> access = OpenDisc(path, error);
+  if (!access) return std::nullopt;
+  return LoadDisc(std::shared_ptr<DiscAccess>(std::move(access)), path, error);
+}
+
+TitleView ViewTitle(const Disc& disc, const TitleEntry& entry) {
+  TitleView view;
+  view.entry = &entry;
+  view.title_set = disc.FindTitleSet(entry.title_set);
+  if (view.title_set == nullptr) return view;
+  if (entry.title_in_set == 0 || entry.title_in_set > view.title_set->parts.size()) return view;
+  view.parts = &view.title_set->parts[entry.title_in_set - 1];
+  if (!view.parts->empty()) {
+    std::uint16_t pgcn = view.parts->front().pgcn;
+    if (pgcn >= 1 && pgcn <= view.title_set->pgcs.size())
+      view.pgc = &view.title_set->pgcs[pgcn - 1];
+  }
+  return view;
+}
+
+}  // namespace tarvex
