@@ -41,7 +41,7 @@ void AddInfo(CLI::App& app, Session& session) {
       "sub-picture stream control maps each declared stream to a stream number (for a 16:9\n"
       "title the wide-screen number of the sub-picture control), not its position.\n"
       "\n"
-      "With --json the same as one JSON object (RFC 8259): {\"disc\", \"access\", \"vmg\",\n"
+      "With --json the same as one JSON object (RFC 8259): {\"disc\", \"vmg\",\n"
       "\"titles\": [{\"number\", \"title_set\", \"title_in_set\", \"length\", \"angles\", "
       "\"video\",\n"
       "\"audio\", \"subpictures\", \"chapters\", \"cells\", \"palette\", ...}], \"menus\"}.\n"
@@ -67,10 +67,74 @@ void AddInfo(CLI::App& app, Session& session) {
   });
 }
 
+void AddVerify(CLI::App& app, Session& session) {
+  struct Options {
+    std::string disc;
+    bool json = false, ifo_only = false, list_checks = false;
+  };
+  auto o = std::make_shared<Options>();
+  CLI::App* cmd = app.add_subcommand(
+      "verify", "Check a whole disc: the IFOs against each other and against the VOBs");
+  cmd->footer(
+      "Reads every IFO and checks its tables against each other, then reads every VOB once,\n"
+      "from start to end, and checks the packs against the IFOs: the VOBU address maps\n"
+      "against the navigation packs actually found, each navigation pack's own addresses,\n"
+      "VOBU pointers and VOB and cell ids, VOBU lengths, mux rates, clock references, and\n"
+      "the declared audio and sub-picture streams against the streams in the cells of each\n"
+      "program chain, through the chain's stream control. \"tarvex-cli verify --list-checks\"\n"
+      "lists every check with its id, severity and a one-line explanation.\n"
+      "\n"
+      "Text output: one line per finding,\n"
+      "  SEVERITY FILE[:TABLE[#ENTRY]|@RECORD] CHECK: message\n"
+      "where SEVERITY is error, warning or info, TABLE a DVD-Video table name (VTS_PGCIT,\n"
+      "VTS_C_ADT...), ENTRY its entry (program chain, title, cell entry... from 1) and RECORD a\n"
+      "record number of a VOB file as \"list\" numbers them. A summary goes to standard\n"
+      "error. With --json: {\"disc\", \"findings\": [{\"severity\", \"check\", \"file\",\n"
+      "\"table\", \"entry\", \"sector\" (the VOB record), \"message\"}], \"errors\",\n"
+      "\"warnings\", \"infos\"}. Each check lists at most 200 findings; the last one says how\n"
+      "many more there were.\n"
+      "\n"
+      "Exit status: 0 no error (warnings allowed), 1 at least one error or the disc cannot\n"
+      "be read (the reason on standard error), 2 usage error.");
+  cmd->add_option("DISC", o->disc, kDiscHelp)->type_name("PATH");
+  cmd->add_flag("--json", o->json, "Print the findings as JSON");
+  cmd->add_flag("--ifo-only", o->ifo_only, "Check the IFO files only; do not read the VOBs");
+  cmd->add_flag("--list-checks", o->list_checks,
+                "List every check (id, severity, explanation) and exit; DISC is not needed");
+  cmd->callback([&session, o] {
+    session.action = [&session, o] {
+      if (o->list_checks) {
+        Print(o->json ? ListChecksJson() : ListChecksText());
+        session.exit_status = 0;
+        return;
+      }
+      if (o->disc.empty()) {
+        std::fprintf(stderr, "tarvex-cli verify: DISC is required (see --help)\n");
+        session.usage_error = true;
+        return;
+      }
+      std::string error;
+      std::optional<Disc> disc = LoadDisc(o->disc, error);
+      if (!disc) {
+        PrintError("verify", o->disc, error);
+        session.exit_status = 1;
+        return;
+      }
+      VerifyResult result = VerifyDisc(*disc, {.ifo_only = o->ifo_only});
+      Print(o->json ? VerifyJson(o->disc, result) : VerifyText(result));
+      std::fprintf(stderr, "%s: %zu errors, %zu warnings, %zu notes%s\n", o->disc.c_str(),
+                   result.errors, result.warnings, result.infos,
+                   o->ifo_only ? " (IFO files only)" : "");
+      session.exit_status = result.errors > 0 ? 1 : 0;
+    };
+  });
+}
+
 }  // namespace
 
 void AddDiscCommands(CLI::App& app, Session& session) {
   AddInfo(app, session);
+  AddVerify(app, session);
 }
 
 }  // namespace tarvex::cli

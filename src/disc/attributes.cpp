@@ -31,7 +31,10 @@ std::uint64_t PlaybackTime::Frames() const {
 }
 
 std::string PlaybackTime::Text() const {
-  std::uint64_t ms = Milliseconds();
+  return MillisecondsText(Milliseconds());
+}
+
+std::string MillisecondsText(std::uint64_t ms) {
   char buf[48];
   std::snprintf(
       buf, sizeof buf, "%02llu:%02llu:%02llu.%03llu", static_cast<unsigned long long>(ms / 3600000),

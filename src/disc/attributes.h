@@ -21,6 +21,8 @@ struct PlaybackTime {
   std::uint64_t Frames() const;
   std::string Text() const;  // "hh:mm:ss.mmm"
 };
+// "hh:mm:ss.mmm" of a number of milliseconds.
+std::string MillisecondsText(std::uint64_t ms);
 // From the 4 BCD bytes: hours, minutes, seconds, frame byte.
 PlaybackTime DecodePlaybackTime(ByteView four);
 

@@ -15,12 +15,7 @@ double Seconds(std::uint64_t ms) {
 }
 
 std::string MsText(std::uint64_t ms) {
-  char buf[48];
-  std::snprintf(
-      buf, sizeof buf, "%02llu:%02llu:%02llu.%03llu", static_cast<unsigned long long>(ms / 3600000),
-      static_cast<unsigned long long>(ms / 60000 % 60),
-      static_cast<unsigned long long>(ms / 1000 % 60), static_cast<unsigned long long>(ms % 1000));
-  return buf;
+  return MillisecondsText(ms);
 }
 
 std::string PaletteEntry(std::uint32_t colour) {
@@ -340,7 +335,6 @@ std::string DiscInfoJson(const Disc& disc) {
   JsonWriter j;
   j.BeginObject();
   j.Member("disc", disc.path);
-  j.Member("access", disc.kind);
   j.Key("vmg").BeginObject();
   j.Member("id", disc.vmg.id).Member("provider_id", disc.vmg.provider);
   j.MemberUint("title_sets", disc.vmg.title_set_count);

@@ -6,75 +6,12 @@
 
 #include "ifo/nav_command.h"
 #include "platform/format.h"
+#include "stream/nav_layout.h"
 #include "stream/pack_header.h"
 
 namespace tarvex {
 
 namespace {
-
-// Where the packets of a navigation pack lie (offsets from the start of the record).
-constexpr std::size_t kPciStartCode = 38;
-constexpr std::size_t kPciLength = 42;
-constexpr std::size_t kPciSubStream = 44;
-constexpr std::size_t kPciData = 45;
-// The DSI packet follows the PCI packet directly: its start code lies at 38 + L + 6.
-constexpr std::size_t kDsiAfterPciLength = kPciStartCode + 6;
-
-// PCI fields (offsets from the PCI data).
-constexpr std::size_t kPciNvPckLbn = 0;
-constexpr std::size_t kPciVobuCat = 4;
-constexpr std::size_t kPciVobuUopCtl = 8;
-constexpr std::size_t kPciVobuSPtm = 12;
-constexpr std::size_t kPciVobuEPtm = 16;
-constexpr std::size_t kPciVobuSeEPtm = 20;
-constexpr std::size_t kPciCEltm = 24;
-constexpr std::size_t kPciNsmlAngles = 60;  // 9 x 4 bytes
-constexpr std::size_t kPciHliSs = 96;
-constexpr std::size_t kPciHliSPtm = 98;
-constexpr std::size_t kPciHliEPtm = 102;
-constexpr std::size_t kPciBtnSlEPtm = 106;
-constexpr std::size_t kPciBtnMd = 110;
-constexpr std::size_t kPciBtnOfn = 112;
-constexpr std::size_t kPciBtnNs = 113;
-constexpr std::size_t kPciNslBtnNs = 114;
-constexpr std::size_t kPciFoslBtnn = 116;
-constexpr std::size_t kPciFoacBtnn = 117;
-constexpr std::size_t kPciBtnColit = 118;  // 3 x (selection, action) colour words
-constexpr std::size_t kPciButtons = 142;   // 18 x 18 bytes
-constexpr std::size_t kButtonSize = 18;
-constexpr int kButtonCount = 18;
-
-// DSI fields (offsets from the DSI data).
-constexpr std::size_t kDsiNvPckScr = 0;
-constexpr std::size_t kDsiNvPckLbn = 4;
-constexpr std::size_t kDsiVobuEa = 8;
-constexpr std::size_t kDsiVobu1stRefEa = 12;
-constexpr std::size_t kDsiVobu2ndRefEa = 16;
-constexpr std::size_t kDsiVobu3rdRefEa = 20;
-constexpr std::size_t kDsiVobuVobIdn = 24;
-constexpr std::size_t kDsiVobuCIdn = 27;
-constexpr std::size_t kDsiCEltm = 28;
-constexpr std::size_t kDsiSmlPbiCategory = 32;
-constexpr std::size_t kDsiIlvuEa = 34;
-constexpr std::size_t kDsiNxtIlvuSa = 38;
-constexpr std::size_t kDsiNxtIlvuSz = 42;
-constexpr std::size_t kDsiVobVSPtm = 44;
-constexpr std::size_t kDsiVobVEPtm = 48;
-constexpr std::size_t kDsiVobAStpPtm = 52;        // 8 x (4 + 4)
-constexpr std::size_t kDsiVobAGapLen = 116;       // 8 x (4 + 4)
-constexpr std::size_t kDsiSmlAgl = 180;           // 9 x (4 + 2)
-constexpr std::size_t kDsiVobuSri = 234;          // 42 x 4
-constexpr std::size_t kDsiSynciAudio = 402;       // 8 x 2
-constexpr std::size_t kDsiSynciSubPicture = 418;  // 32 x 4
-
-// VOBU search entries: the low 30 bits are the relative address; all ones means none.
-constexpr std::uint32_t kSriAddressMask = 0x3FFFFFFF;
-constexpr int kSriNextWithVideo = 0;
-constexpr int kSriNextFirstStep = 1;  // 1..19: 120 s down to 0.5 s
-constexpr int kSriNextPossibleVideo = 20;
-constexpr int kSriPreviousPossibleVideo = 21;
-constexpr int kSriPreviousSmallestStep = 22;  // 22..40: 0.5 s up to 120 s
-constexpr int kSriPreviousWithVideo = 41;
 
 constexpr int kLadderSteps = 19;
 

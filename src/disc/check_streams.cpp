@@ -1,0 +1,86 @@
+// Declared streams against the streams found in the VOBs, through each chain's stream control.
+#include "disc/checks.h"
+#include "platform/format.h"
+
+namespace tarvex {
+
+namespace {
+
+std::bitset<256> ChainStreams(const Pgc& pgc, const StreamPresence& found) {
+  std::bitset<256> streams;
+  for (const Cell& c : pgc.cells) {
+    auto it = found.cells.find({c.vob_id, c.cell_id});
+    if (it != found.cells.end()) streams |= it->second;
+  }
+  return streams;
+}
+
+bool IsAudio(std::uint32_t id) {
+  return (id >= 0x80 && id <= 0xAF) || (id >= 0xC0 && id <= 0xDF);
+}
+bool IsSubpicture(std::uint32_t id) {
+  return id >= 0x20 && id <= 0x3F;
+}
+
+std::string Language(const std::optional<std::string>& language) {
+  return language ? *language : std::string("no language");
+}
+
+}  // namespace
+
+void CheckStreams(const Disc&, const std::vector<const Pgc*>& chains,
+                  const StreamDeclarations& declared, const StreamPresence& found,
+                  const VobSetNames& names, Findings& out) {
+  if (!found.scanned) return;
+  std::bitset<256> mapped;
+  for (const Pgc* pgc : chains) {
+    if (pgc->cells.empty()) continue;
+    std::bitset<256> present = ChainStreams(*pgc, found);
+    for (std::size_t i = 0; i < declared.audio.size() && i < 8; ++i) {
+      auto n = AudioControlNumber(pgc->audio_control[i]);
+      if (!n) continue;
+      const AudioAttributes& a = declared.audio[i];
+      auto id = AudioStreamId(a.coding, *n);
+      if (!id) continue;
+      mapped.set(*id);
+      if (!present[*id]) {
+        out.AtTable("stream.missing", names.ifo, names.chains, pgc->number,
+                    Format("audio stream %d (%s, %s) plays as %s, which none of the chain's "
+                           "cells holds",
+                           {i + 1, a.format, Language(a.language), StreamIdText(*id)}));
+      }
+    }
+    for (std::size_t i = 0; i < declared.subpictures.size() && i < 32; ++i) {
+      SubpictureControl c = DecodeSubpictureControl(pgc->subpicture_control[i]);
+      if (!c.available) continue;
+      std::uint32_t id = 0x20 + (declared.video.wide() ? c.wide : c.standard);
+      mapped.set(id);
+      if (declared.video.wide()) {
+        mapped.set(0x20 + c.letterbox);
+        mapped.set(0x20 + c.pan_scan);
+      }
+      if (!present[id]) {
+        out.AtTable("stream.missing", names.ifo, names.chains, pgc->number,
+                    Format("sub-picture stream %d (%s) plays as %s, which none of the chain's "
+                           "cells holds",
+                           {i + 1, Language(declared.subpictures[i].language), StreamIdText(id)}));
+      }
+    }
+  }
+  int videos = 0;
+  for (std::uint32_t id = 0; id < 256; ++id) {
+    if (!found.all[id] || !found.first_seen[id]) continue;
+    const StreamPresence::Where& where = *found.first_seen[id];
+    if (id >= 0xE0 && id <= 0xEF && ++videos > 1) {
+      out.AtRecord("stream.count", where.file, where.record,
+                   Format("a second video stream, %s", {StreamIdText(id)}));
+    }
+    if ((IsAudio(id) || IsSubpicture(id)) && !mapped[id]) {
+      out.AtRecord("stream.undeclared", where.file, where.record,
+                   Format("%s stream %s is in the VOBs, but no declared stream plays through it",
+                          {IsAudio(id) ? "audio" : "sub-picture", StreamIdText(id)}));
+    }
+  }
+}
+
+}  // namespace tarvex

@@ -1,0 +1,321 @@
+// The information tables, the table addresses, titles, parts of titles and the address tables.
+#include <algorithm>
+
+#include "disc/checks.h"
+#include "ifo/layouts.h"
+#include "platform/format.h"
+
+namespace tarvex {
+
+namespace {
+
+std::uint64_t Sectors(std::uint64_t bytes) {
+  return (bytes + 2047) / 2048;
+}
+
+// A table's place against the information part and the other tables.
+void CheckTablePlaces(const std::string& file, const std::vector<TableLocation>& tables,
+                      std::uint64_t info_sectors, std::uint64_t file_bytes,
+                      const std::vector<std::string>& required, Findings& out) {
+  std::vector<const TableLocation*> present;
+  for (const TableLocation& t : tables) {
+    if (t.start_sector == 0) {
+      if (std::find(required.begin(), required.end(), t.name) != required.end()) {
+        out.AtTable("ifo.table-address", file, t.name, 0, "the table is missing (start sector 0)");
+      }
+      continue;
+    }
+    if (t.start_sector >= info_sectors || std::uint64_t{t.start_sector} * 2048 >= file_bytes) {
+      out.AtTable("ifo.table-address", file, t.name, 0,
+                  Format("start sector %d lies beyond the information part (%s sectors)",
+                         {t.start_sector, std::to_string(info_sectors)}));
+      continue;
+    }
+    if (t.end_byte > std::min<std::uint64_t>(info_sectors * 2048, file_bytes)) {
+      out.AtTable("ifo.table-address", file, t.name, 0,
+                  Format("the table ends at byte %s, beyond the information part",
+                         {std::to_string(t.end_byte - 1)}));
+    }
+    present.push_back(&t);
+  }
+  std::sort(present.begin(), present.end(), [](const TableLocation* a, const TableLocation* b) {
+    return a->start_sector < b->start_sector;
+  });
+  for (std::size_t i = 1; i < present.size(); ++i) {
+    const TableLocation* before = present[i - 1];
+    if (before->end_byte > std::uint64_t{present[i]->start_sector} * 2048) {
+      out.AtTable(
+          "ifo.table-address", file, present[i]->name, 0,
+          Format("starts at sector %d, inside %s", {present[i]->start_sector, before->name}));
+    }
+  }
+}
+
+void CheckVideoManagerAddresses(const Disc& disc, Findings& out) {
+  const VideoManager& vmg = disc.vmg;
+  const char* file = "VIDEO_TS.IFO";
+  std::uint64_t ifo_sectors = Sectors(vmg.ifo_size);
+  std::uint64_t menu = vmg.menu_vobs.sectors;
+  if (std::uint64_t{vmg.vmgi_ea} + 1 != ifo_sectors) {
+    out.AtTable(
+        "ifo.end-address", file, "VMGI_MAT", 0,
+        Format("VMGI_EA %d, but the IFO has %s sectors (expected %s)",
+               {vmg.vmgi_ea, std::to_string(ifo_sectors), std::to_string(ifo_sectors - 1)}));
+  }
+  std::uint64_t expected_ea = 2 * ifo_sectors + menu - 1;
+  if (vmg.vmg_ea != expected_ea) {
+    out.AtTable("ifo.end-address", file, "VMGI_MAT", 0,
+                Format("VMG_EA %d, but IFO, menu VOB and BUP end at sector %s",
+                       {vmg.vmg_ea, std::to_string(expected_ea)}));
+  }
+  if (!vmg.menu_vobs.parts.empty() && vmg.menu_vobs_at != ifo_sectors) {
+    out.AtTable("ifo.end-address", file, "VMGI_MAT", 0,
+                Format("VMGM_VOBS_SA %d, but the menu VOB starts at sector %s",
+                       {vmg.menu_vobs_at, std::to_string(ifo_sectors)}));
+  }
+  std::vector<std::string> required = {"TT_SRPT"};
+  if (!vmg.menu_vobs.parts.empty()) {
+    required.insert(required.end(), {"VMGM_PGCI_UT", "VMGM_C_ADT", "VMGM_VOBU_ADMAP"});
+  }
+  CheckTablePlaces(file, vmg.tables, std::uint64_t{vmg.vmgi_ea} + 1, vmg.ifo_size, required, out);
+}
+
+void CheckTitleSetAddresses(const TitleSet& ts, Findings& out) {
+  std::uint64_t ifo_sectors = Sectors(ts.ifo_size);
+  std::uint64_t menu = ts.menu_vobs.sectors, titles = ts.title_vobs.sectors;
+  if (std::uint64_t{ts.vtsi_ea} + 1 != ifo_sectors) {
+    out.AtTable("ifo.end-address", ts.ifo_name, "VTSI_MAT", 0,
+                Format("VTSI_EA %d, but the IFO has %s sectors (expected %s)",
+                       {ts.vtsi_ea, std::to_string(ifo_sectors), std::to_string(ifo_sectors - 1)}));
+  }
+  std::uint64_t expected_ea = 2 * ifo_sectors + menu + titles - 1;
+  if (ts.vts_ea != expected_ea) {
+    out.AtTable("ifo.end-address", ts.ifo_name, "VTSI_MAT", 0,
+                Format("VTS_EA %d, but IFO, VOBs and BUP end at sector %s",
+                       {ts.vts_ea, std::to_string(expected_ea)}));
+  }
+  if (!ts.menu_vobs.parts.empty() && ts.menu_vobs_at != ifo_sectors) {
+    out.AtTable("ifo.end-address", ts.ifo_name, "VTSI_MAT", 0,
+                Format("VTSM_VOBS_SA %d, but the menu VOB starts at sector %s",
+                       {ts.menu_vobs_at, std::to_string(ifo_sectors)}));
+  }
+  if (!ts.title_vobs.parts.empty() && ts.title_vobs_at != ifo_sectors + menu) {
+    out.AtTable("ifo.end-address", ts.ifo_name, "VTSI_MAT", 0,
+                Format("VTSTT_VOBS_SA %d, but the title VOBs start at sector %s",
+                       {ts.title_vobs_at, std::to_string(ifo_sectors + menu)}));
+  }
+  std::vector<std::string> required = {"VTS_PTT_SRPT", "VTS_PGCIT", "VTS_C_ADT", "VTS_VOBU_ADMAP"};
+  if (!ts.menu_vobs.parts.empty()) {
+    required.insert(required.end(), {"VTSM_PGCI_UT", "VTSM_C_ADT", "VTSM_VOBU_ADMAP"});
+  }
+  CheckTablePlaces(ts.ifo_name, ts.tables, std::uint64_t{ts.vtsi_ea} + 1, ts.ifo_size, required,
+                   out);
+}
+
+// The 768 bytes of a VTS_ATRT record after its end address and category repeat VTSI_MAT from
+// byte 0x100 (menu and title attributes).
+void CheckAttributeRecord(const Disc& disc, const TitleSet& ts, Findings& out) {
+  if (ts.number > disc.vmg.atrt_records.size()) return;
+  ByteView record(disc.vmg.atrt_records[ts.number - 1]);
+  ByteView vtsi(ts.ifo);
+  if (DiscValue(record, VtsAtrtRecordLayout(), "vts_cat") != ts.category) {
+    out.AtTable(
+        "vts_atrt.attributes", "VIDEO_TS.IFO", "VTS_ATRT", ts.number,
+        Format("category %08x, %s has %08x",
+               {DiscValue(record, VtsAtrtRecordLayout(), "vts_cat"), ts.ifo_name, ts.category}));
+  }
+  for (const FieldDesc& field : VtsAtrtRecordLayout()) {
+    if (field.offset < 8) continue;
+    std::uint32_t items = FieldCount(record, field);
+    for (std::uint32_t i = 0; i < items; ++i) {
+      std::size_t off = FieldOffset(field, i);
+      bool same = true;
+      for (std::size_t b = 0; b < field.width; ++b) {
+        same = same && record.u8(off + b) == vtsi.u8(0x100 - 8 + off + b);
+      }
+      if (!same) {
+        out.AtTable("vts_atrt.attributes", "VIDEO_TS.IFO", "VTS_ATRT", ts.number,
+                    Format("%s differs from %s (%s against %s)",
+                           {FieldKey(field, i), ts.ifo_name, HexBytes(record, off, field.width),
+                            HexBytes(vtsi, 0x100 - 8 + off, field.width)}));
+      }
+    }
+  }
+}
+
+}  // namespace
+
+void CheckInformationTables(const Disc& disc, Findings& out) {
+  CheckVideoManagerAddresses(disc, out);
+  std::uint32_t on_disc = 0;
+  for (const TitleSet& ts : disc.title_sets) {
+    if (disc.access->Find(ts.ifo_name) != nullptr) on_disc = ts.number;
+    if (!ts.present) continue;
+    CheckTitleSetAddresses(ts, out);
+    CheckAttributeRecord(disc, ts, out);
+  }
+  if (on_disc != disc.vmg.title_set_count) {
+    out.AtTable("ifo.title-set-count", "VIDEO_TS.IFO", "VMGI_MAT", 0,
+                Format("VMG_NS %d, but the last title set on the disc is %d",
+                       {disc.vmg.title_set_count, on_disc}));
+  }
+  if (disc.vmg.tables[3].start_sector != 0 && disc.vmg.atrt_count != disc.vmg.title_set_count) {
+    out.AtTable("ifo.title-set-count", "VIDEO_TS.IFO", "VTS_ATRT", 0,
+                Format("VTS_ATRT lists %d title sets, VMGI_MAT counts %d",
+                       {disc.vmg.atrt_count, disc.vmg.title_set_count}));
+  }
+}
+
+void CheckTitles(const Disc& disc, Findings& out) {
+  const char* file = "VIDEO_TS.IFO";
+  for (const TitleEntry& t : disc.vmg.titles) {
+    const TitleSet* ts = disc.FindTitleSet(t.title_set);
+    if (ts == nullptr) {
+      out.AtTable("tt_srpt.title-set", file, "TT_SRPT", t.number,
+                  Format("title %d is in title set %d, which the disc does not have",
+                         {t.number, t.title_set}));
+      continue;
+    }
+    if (t.start_sector != ts->disc_start) {
+      out.AtTable("tt_srpt.start-sector", file, "TT_SRPT", t.number,
+                  Format("title set %d starts at sector %d, it lies at sector %s",
+                         {t.title_set, t.start_sector, std::to_string(ts->disc_start)}));
+    }
+    if (t.title_in_set == 0 || t.title_in_set > ts->parts.size()) {
+      out.AtTable("tt_srpt.title", file, "TT_SRPT", t.number,
+                  Format("title %d of title set %d, which has %d titles",
+                         {t.title_in_set, t.title_set, ts->parts.size()}));
+      continue;
+    }
+    std::size_t parts = ts->parts[t.title_in_set - 1].size();
+    if (t.chapters != parts) {
+      out.AtTable("tt_srpt.chapters", file, "TT_SRPT", t.number,
+                  Format("%d chapters, VTS_PTT_SRPT of %s has %d parts for title %d",
+                         {t.chapters, ts->ifo_name, parts, t.title_in_set}));
+    }
+  }
+  for (const TitleSet& ts : disc.title_sets) {
+    if (!ts.present) continue;
+    for (std::size_t t = 0; t < ts.parts.size(); ++t) {
+      for (std::size_t p = 0; p < ts.parts[t].size(); ++p) {
+        const PartOfTitle& part = ts.parts[t][p];
+        std::string where = Format("title %d part %d", {t + 1, p + 1});
+        if (part.pgcn == 0 || part.pgcn > ts.pgcs.size()) {
+          out.AtTable("ptt.target", ts.ifo_name, "VTS_PTT_SRPT", static_cast<std::uint32_t>(t + 1),
+                      Format("%s: program chain %d, the title set has %d",
+                             {where, part.pgcn, ts.pgcs.size()}));
+          continue;
+        }
+        const Pgc& pgc = ts.pgcs[part.pgcn - 1];
+        if (part.pgn == 0 || part.pgn > pgc.declared_programs) {
+          out.AtTable("ptt.target", ts.ifo_name, "VTS_PTT_SRPT", static_cast<std::uint32_t>(t + 1),
+                      Format("%s: program %d of program chain %d, which has %d programs",
+                             {where, part.pgn, part.pgcn, pgc.declared_programs}));
+        }
+      }
+    }
+  }
+}
+
+const CellAddress* FindCellAddress(const VobSet& set, std::uint16_t vob, std::uint8_t cell) {
+  for (const CellAddress& c : set.cells) {
+    if (c.vob_id == vob && c.cell_id == cell) return &c;
+  }
+  return nullptr;
+}
+
+bool IsVobuStart(const VobSet& set, std::uint32_t sector) {
+  return std::binary_search(set.vobu_starts.begin(), set.vobu_starts.end(), sector);
+}
+
+namespace {
+
+void CheckCellTable(const std::string& file, const char* table, const VobSet& set, Findings& out) {
+  if (!set.has_cell_table) return;
+  std::uint16_t highest_vob = 0;
+  for (std::size_t i = 0; i < set.cells.size(); ++i) {
+    const CellAddress& c = set.cells[i];
+    auto entry = static_cast<std::uint32_t>(i + 1);
+    highest_vob = std::max(highest_vob, c.vob_id);
+    if (c.first > c.last || c.last >= set.sectors) {
+      out.AtTable("c_adt.order", file, table, entry,
+                  Format("VOB %d cell %d: sectors %d to %d, the VOBs have %s sectors",
+                         {c.vob_id, c.cell_id, c.first, c.last, std::to_string(set.sectors)}));
+    }
+    if (i > 0) {
+      const CellAddress& b = set.cells[i - 1];
+      if (c.vob_id < b.vob_id || (c.vob_id == b.vob_id && c.cell_id <= b.cell_id)) {
+        out.AtTable("c_adt.order", file, table, entry,
+                    Format("VOB %d cell %d follows VOB %d cell %d",
+                           {c.vob_id, c.cell_id, b.vob_id, b.cell_id}));
+      } else if (c.first <= b.last) {
+        out.AtTable("c_adt.order", file, table, entry,
+                    Format("VOB %d cell %d starts at sector %d, inside the cell before (to %d)",
+                           {c.vob_id, c.cell_id, c.first, b.last}));
+      }
+    }
+    if (!set.vobu_starts.empty() && !IsVobuStart(set, c.first)) {
+      out.AtTable("c_adt.order", file, table, entry,
+                  Format("VOB %d cell %d starts at sector %d, which is not a VOBU start",
+                         {c.vob_id, c.cell_id, c.first}));
+    }
+  }
+  if (set.vob_count != highest_vob) {
+    out.AtTable("c_adt.order", file, table, 0,
+                Format("the header counts %d VOBs, the cells name VOBs up to %d",
+                       {set.vob_count, highest_vob}));
+  }
+  std::uint64_t expected_end = 7 + std::uint64_t{kCellAddressBytes} * set.cells.size();
+  if (set.cell_table_end < 7 || (set.cell_table_end - 7) % kCellAddressBytes != 0) {
+    out.AtTable("ifo.table-address", file, table, 0,
+                Format("end address %d does not end a whole cell entry (expected %s)",
+                       {set.cell_table_end, std::to_string(expected_end)}));
+  }
+}
+
+void CheckAddressMap(const std::string& file, const char* table, const VobSet& set, Findings& out) {
+  if (!set.has_admap) return;
+  for (std::size_t i = 0; i < set.vobu_starts.size(); ++i) {
+    std::uint32_t s = set.vobu_starts[i];
+    auto entry = static_cast<std::uint32_t>(i + 1);
+    if (s >= set.sectors) {
+      out.AtTable(
+          "vobu_admap.order", file, table, entry,
+          Format("VOBU at sector %d, the VOBs have %s sectors", {s, std::to_string(set.sectors)}));
+    } else if (i > 0 && s <= set.vobu_starts[i - 1]) {
+      out.AtTable(
+          "vobu_admap.order", file, table, entry,
+          Format("VOBU at sector %d follows one at sector %d", {s, set.vobu_starts[i - 1]}));
+    }
+  }
+  if (set.admap_end < 3 || (set.admap_end - 3) % 4 != 0) {
+    out.AtTable("ifo.table-address", file, table, 0,
+                Format("end address %d does not end a whole entry", {set.admap_end}));
+  }
+}
+
+}  // namespace
+
+void CheckAddressTables(const Disc& disc, Findings& out) {
+  CheckCellTable("VIDEO_TS.IFO", "VMGM_C_ADT", disc.vmg.menu_vobs, out);
+  CheckAddressMap("VIDEO_TS.IFO", "VMGM_VOBU_ADMAP", disc.vmg.menu_vobs, out);
+  for (const TitleSet& ts : disc.title_sets) {
+    if (!ts.present) continue;
+    CheckCellTable(ts.ifo_name, "VTSM_C_ADT", ts.menu_vobs, out);
+    CheckAddressMap(ts.ifo_name, "VTSM_VOBU_ADMAP", ts.menu_vobs, out);
+    CheckCellTable(ts.ifo_name, "VTS_C_ADT", ts.title_vobs, out);
+    CheckAddressMap(ts.ifo_name, "VTS_VOBU_ADMAP", ts.title_vobs, out);
+    for (std::size_t m = 0; m < ts.time_maps.size(); ++m) {
+      const TitleTimeMap& map = ts.time_maps[m];
+      for (std::size_t e = 0; e < map.entries.size(); ++e) {
+        std::uint32_t sector = map.entries[e] & 0x7FFFFFFF;
+        if (!ts.title_vobs.vobu_starts.empty() && !IsVobuStart(ts.title_vobs, sector)) {
+          out.AtTable("tmapt.entry", ts.ifo_name, "VTS_TMAPT", static_cast<std::uint32_t>(m + 1),
+                      Format("entry %d: sector %d is not a VOBU start", {e + 1, sector}));
+        }
+      }
+    }
+  }
+}
+
+}  // namespace tarvex

@@ -1,0 +1,246 @@
+// One sequential pass over the VOB files of a set. Memory stays constant whatever the size of
+// the set: one read block, the navigation pack before the current one, the streams per cell.
+#include <memory>
+
+#include "disc/checks.h"
+#include "platform/format.h"
+#include "stream/nav_fields.h"
+#include "stream/sector_type.h"
+
+namespace tarvex {
+
+namespace {
+
+constexpr std::size_t kRecordBytes = 2048;
+constexpr std::size_t kBlockRecords = 512;      // 1 MiB reads
+constexpr std::uint32_t kMaxMuxRate = 25200;    // 10.08 Mbit/s in units of 50 bytes/s
+constexpr std::uint32_t kMinVobuTicks = 36000;  // 0.4 s at 90 kHz
+constexpr std::uint32_t kMaxVobuTicks = 90000;  // 1.0 s
+
+std::uint64_t ScrTicks(ByteView pack) {
+  std::uint64_t b4 = pack.u8(4), b5 = pack.u8(5), b6 = pack.u8(6), b7 = pack.u8(7), b8 = pack.u8(8),
+                b9 = pack.u8(9);
+  std::uint64_t base = (((b4 >> 3) & 7) << 30) | ((b4 & 3) << 28) | (b5 << 20) | ((b6 >> 3) << 15) |
+                       ((b6 & 3) << 13) | (b7 << 5) | (b8 >> 3);
+  std::uint64_t ext = ((b8 & 3) << 7) | (b9 >> 1);
+  return base * 300 + ext;
+}
+
+std::string Seconds(std::uint32_t ticks) {
+  return Format("%d.%03d s", {ticks / 90000, ticks % 90000 / 90});
+}
+
+struct NavSeen {
+  std::uint64_t sector = 0;
+  std::string file;
+  std::uint64_t record = 0;
+  NavPackFields fields;
+};
+
+class VobSetScanner {
+ public:
+  VobSetScanner(const Disc& disc, const VobSet& set, const VobSetNames& names, Findings& out)
+      : disc_(disc), set_(set), names_(names), out_(out) {}
+
+  StreamPresence Run() {
+    presence_.scanned = true;
+    std::vector<std::uint8_t> block(kBlockRecords * kRecordBytes);
+    for (const VobSet::Part& part : set_.parts) {
+      std::unique_ptr<DiscFile> file = disc_.access->Open(part.name);
+      if (!file) {
+        out_.AtFile("file.read", part.name, "cannot be opened");
+        continue;
+      }
+      last_scr_.reset();
+      std::uint64_t records = part.size / kRecordBytes;
+      for (std::uint64_t r = 0; r < records;) {
+        std::size_t want =
+            static_cast<std::size_t>(std::min<std::uint64_t>(kBlockRecords, records - r));
+        std::size_t got =
+            file->ReadAt(r * kRecordBytes, std::span(block.data(), want * kRecordBytes));
+        std::size_t whole = got / kRecordBytes;
+        for (std::size_t k = 0; k < whole; ++k) {
+          Record(part.first_sector + r + k, part.name, r + k,
+                 ByteView(block.data() + k * kRecordBytes, kRecordBytes));
+        }
+        if (whole < want) {
+          out_.AtRecord("file.read", part.name, r + whole, "the file cannot be read from here on");
+          break;
+        }
+        r += whole;
+      }
+    }
+    FinishVobu(set_.sectors, nullptr);
+    for (; admap_next_ < set_.vobu_starts.size(); ++admap_next_) MissingNavPack(admap_next_);
+    return std::move(presence_);
+  }
+
+ private:
+  void Record(std::uint64_t sector, const std::string& file, std::uint64_t record, ByteView pack) {
+    if (pack.be32(0) != 0x1BA || (pack.u8(4) & 0xC0) != 0x40) {
+      out_.AtRecord("vob.pack", file, record,
+                    Format("no MPEG-2 pack header (the record starts %08x)", {pack.be32(0)}));
+      return;
+    }
+    std::uint32_t mux =
+        (std::uint32_t{pack.u8(10)} << 14) | (std::uint32_t{pack.u8(11)} << 6) | (pack.u8(12) >> 2);
+    if (mux > kMaxMuxRate) {
+      out_.AtRecord("vob.mux-rate", file, record,
+                    Format("program_mux_rate %d (%d bit/s), above 25200 (10.08 Mbit/s)",
+                           {mux, std::to_string(std::uint64_t{mux} * 400)}));
+    }
+    std::uint32_t stream = 0;
+    std::int32_t type = get_sector_type(pack, stream);
+    std::optional<NavPackFields> nav;
+    if (type == kSectorNavigation) {
+      nav = DecodeNavPack(pack);
+      // The clock starts again with each VOB.
+      if (previous_ && previous_->fields.vob_id != nav->vob_id) last_scr_.reset();
+    }
+    std::uint64_t scr = ScrTicks(pack);
+    if (last_scr_ && scr < *last_scr_) {
+      out_.AtRecord("vob.scr-order", file, record,
+                    Format("SCR %s (27 MHz ticks) is lower than the pack before (%s)",
+                           {std::to_string(scr), std::to_string(*last_scr_)}));
+    }
+    last_scr_ = scr;
+    if (sector == 0 && type != kSectorNavigation) {
+      out_.AtRecord("vob.first-pack", file, record,
+                    "the VOB set does not begin with a navigation pack");
+    }
+    if (nav) {
+      NavPack(sector, file, record, *nav);
+    } else if (type == kSectorIllegal) {
+      out_.AtRecord("vob.pack", file, record,
+                    Format("a pack of no DVD-Video stream (start code %08x)", {pack.be32(14)}));
+    } else if (type != kSectorPadding) {
+      Present(stream & 0xFF, file, record);
+    }
+  }
+
+  void Present(std::uint32_t id, const std::string& file, std::uint64_t record) {
+    if (cell_) presence_.cells[*cell_].set(id);
+    presence_.all.set(id);
+    if (!presence_.first_seen[id]) presence_.first_seen[id] = StreamPresence::Where{file, record};
+  }
+
+  void MissingNavPack(std::size_t index) {
+    std::uint32_t s = set_.vobu_starts[index];
+    auto where = set_.Locate(s);
+    out_.AtTable("vobu_admap.navpacks", names_.ifo, names_.admap,
+                 static_cast<std::uint32_t>(index + 1),
+                 where ? Format("VOBU at sector %d, but record %s of %s is no navigation pack",
+                                {s, std::to_string(where->second), where->first})
+                       : Format("VOBU at sector %d, beyond the VOB files", {s}));
+  }
+
+  bool Interleaved(const NavPackFields& f) const {
+    return names_.interleaved.count({f.vob_id, f.cell_id}) != 0;
+  }
+
+  static bool SameCell(const NavPackFields& a, const NavPackFields& b) {
+    return a.vob_id == b.vob_id && a.cell_id == b.cell_id;
+  }
+
+  // The checks of the VOBU before: now that the next one (or the end of the set) is known.
+  void FinishVobu(std::uint64_t next_sector, const NavPackFields* next) {
+    if (!previous_) return;
+    const NavSeen& p = *previous_;
+    std::uint64_t distance = next_sector - p.sector;
+    bool same_cell = next != nullptr && SameCell(p.fields, *next);
+    if (!Interleaved(p.fields)) {
+      if (p.fields.vobu_ea != distance - 1) {
+        out_.AtRecord("nav.vobu-end", p.file, p.record,
+                      Format("VOBU end address %d, the VOBU ends %s sectors on",
+                             {p.fields.vobu_ea, std::to_string(distance - 1)}));
+      }
+      std::uint32_t addr = p.fields.next_vobu & kVobuSearchAddress;
+      bool right = same_cell ? addr == distance
+                             : addr == kVobuSearchAddress || (next != nullptr && addr == distance);
+      if (!right) {
+        out_.AtRecord(
+            "nav.next-vobu", p.file, p.record,
+            same_cell
+                ? Format("next VOBU %d sectors on, it is %s", {addr, std::to_string(distance)})
+                : Format("next VOBU %d sectors on, this is the cell's last VOBU", {addr}));
+      }
+    }
+    std::uint32_t s = p.fields.vobu_s_ptm, e = p.fields.vobu_e_ptm;
+    if (e > s && p.fields.vobu_se_e_ptm == 0) {
+      std::uint32_t ticks = e - s;
+      if (ticks > kMaxVobuTicks || (ticks < kMinVobuTicks && same_cell)) {
+        out_.AtRecord("nav.vobu-length", p.file, p.record,
+                      "the VOBU lasts " + Seconds(ticks) + ", outside 0.4 to 1.0 s");
+      }
+    }
+  }
+
+  void NavPack(std::uint64_t sector, const std::string& file, std::uint64_t record,
+               const NavPackFields& f) {
+    if (f.pci_lbn != sector || f.dsi_lbn != sector) {
+      out_.AtRecord("nav.lbn", file, record,
+                    Format("at sector %s, PCI says %d and DSI says %d",
+                           {std::to_string(sector), f.pci_lbn, f.dsi_lbn}));
+    }
+    while (admap_next_ < set_.vobu_starts.size() && set_.vobu_starts[admap_next_] < sector) {
+      MissingNavPack(admap_next_++);
+    }
+    if (admap_next_ < set_.vobu_starts.size() && set_.vobu_starts[admap_next_] == sector) {
+      ++admap_next_;
+    } else if (set_.has_admap) {
+      out_.AtRecord("vobu_admap.navpacks", file, record,
+                    Format("navigation pack at sector %s is not in %s",
+                           {std::to_string(sector), names_.admap}));
+    }
+    FinishVobu(sector, &f);
+    std::uint32_t back = f.previous_vobu & kVobuSearchAddress;
+    if (!Interleaved(f)) {
+      bool same_cell = previous_ && SameCell(previous_->fields, f);
+      std::uint64_t distance = previous_ ? sector - previous_->sector : 0;
+      bool right = same_cell ? back == distance
+                             : back == kVobuSearchAddress || (previous_ && back == distance);
+      if (!right) {
+        out_.AtRecord(
+            "nav.previous-vobu", file, record,
+            same_cell
+                ? Format("previous VOBU %d sectors back, it is %s",
+                         {back, std::to_string(distance)})
+                : Format("previous VOBU %d sectors back, this is the cell's first VOBU", {back}));
+      }
+    }
+    if (set_.has_cell_table) {
+      const CellAddress* a = FindCellAddress(set_, f.vob_id, f.cell_id);
+      if (a == nullptr) {
+        out_.AtRecord("nav.cell", file, record,
+                      Format("VOB %d cell %d is not in %s", {f.vob_id, f.cell_id, names_.c_adt}));
+      } else if (sector < a->first || sector > a->last) {
+        out_.AtRecord(
+            "nav.cell", file, record,
+            Format("VOB %d cell %d, which %s puts at sectors %d to %d, not at %s",
+                   {f.vob_id, f.cell_id, names_.c_adt, a->first, a->last, std::to_string(sector)}));
+      }
+    }
+    cell_ = std::make_pair(f.vob_id, f.cell_id);
+    previous_ = NavSeen{sector, file, record, f};
+    Present(0xBF, file, record);
+  }
+
+  const Disc& disc_;
+  const VobSet& set_;
+  const VobSetNames& names_;
+  Findings& out_;
+  StreamPresence presence_;
+  std::size_t admap_next_ = 0;
+  std::optional<NavSeen> previous_;
+  std::optional<std::pair<std::uint16_t, std::uint8_t>> cell_;
+  std::optional<std::uint64_t> last_scr_;
+};
+
+}  // namespace
+
+StreamPresence ScanVobSet(const Disc& disc, const VobSet& set, const VobSetNames& names,
+                          Findings& out) {
+  return VobSetScanner(disc, set, names, out).Run();
+}
+
+}  // namespace tarvex

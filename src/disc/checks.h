@@ -1,0 +1,61 @@
+// The checks of verify, by area. Each adds findings; none stops at the first.
+#pragma once
+
+#include <array>
+#include <bitset>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+
+#include "disc/findings.h"
+#include "disc/model.h"
+
+namespace tarvex {
+
+// The names a VOB set's findings use: its IFO and its tables.
+struct VobSetNames {
+  std::string ifo;     // "VTS_01_0.IFO"
+  const char* c_adt;   // "VTS_C_ADT"
+  const char* admap;   // "VTS_VOBU_ADMAP"
+  const char* chains;  // "VTS_PGCIT" or a menu unit table
+  // Cells whose VOBUs interleave with others (angle blocks): their VOBU end addresses and
+  // next-VOBU pointers do not name the next navigation pack in the file.
+  std::set<std::pair<std::uint16_t, std::uint8_t>> interleaved;
+};
+
+// What one pass over a VOB set found: the streams of each cell, where each stream was first
+// seen.
+struct StreamPresence {
+  std::map<std::pair<std::uint16_t, std::uint8_t>, std::bitset<256>> cells;
+  std::bitset<256> all;
+  struct Where {
+    std::string file;
+    std::uint64_t record = 0;
+  };
+  std::array<std::optional<Where>, 256> first_seen;
+  bool scanned = false;
+};
+
+void CheckFiles(const Disc& disc, Findings& out);
+void CheckInformationTables(const Disc& disc, Findings& out);
+void CheckTitles(const Disc& disc, Findings& out);
+void CheckAddressTables(const Disc& disc, Findings& out);
+void CheckChains(const Disc& disc, Findings& out);
+
+// One sequential pass over the VOB files of a set: packs, navigation packs against the cell
+// address table and the VOBU address map, clock references, mux rates, streams present.
+StreamPresence ScanVobSet(const Disc& disc, const VobSet& set, const VobSetNames& names,
+                          Findings& out);
+// Declared streams against those found.
+void CheckStreams(const Disc& disc, const std::vector<const Pgc*>& chains,
+                  const StreamDeclarations& declared, const StreamPresence& found,
+                  const VobSetNames& names, Findings& out);
+
+// The cell address entry of (vob id, cell id), or nullptr.
+const CellAddress* FindCellAddress(const VobSet& set, std::uint16_t vob, std::uint8_t cell);
+// Whether sector starts a VOBU of the set's address map.
+bool IsVobuStart(const VobSet& set, std::uint32_t sector);
+
+}  // namespace tarvex

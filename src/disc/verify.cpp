@@ -1,0 +1,144 @@
+#include "disc/verify.h"
+
+#include "disc/checks.h"
+#include "platform/format.h"
+#include "platform/json_writer.h"
+
+namespace tarvex {
+
+namespace {
+
+void CheckStreamCounts(const std::string& file, const char* table, const StreamDeclarations& s,
+                       std::uint32_t max_audio, std::uint32_t max_subpictures, Findings& out) {
+  if (s.audio_count > max_audio) {
+    out.AtTable("stream.count", file, table, 0,
+                Format("%d audio streams declared, at most %d", {s.audio_count, max_audio}));
+  }
+  if (s.subpicture_count > max_subpictures) {
+    out.AtTable("stream.count", file, table, 0,
+                Format("%d sub-picture streams declared, at most %d",
+                       {s.subpicture_count, max_subpictures}));
+  }
+}
+
+std::set<std::pair<std::uint16_t, std::uint8_t>> InterleavedCells(
+    const std::vector<const Pgc*>& chains) {
+  std::set<std::pair<std::uint16_t, std::uint8_t>> cells;
+  for (const Pgc* pgc : chains) {
+    for (const Cell& c : pgc->cells) {
+      if (c.block_type() != 0 || c.interleaved()) cells.insert({c.vob_id, c.cell_id});
+    }
+  }
+  return cells;
+}
+
+std::vector<const Pgc*> MenuChains(const std::vector<LanguageUnit>& units) {
+  std::vector<const Pgc*> chains;
+  for (const LanguageUnit& unit : units) {
+    for (const Pgc& pgc : unit.pgcs) chains.push_back(&pgc);
+  }
+  return chains;
+}
+
+void ScanSet(const Disc& disc, const VobSet& set, VobSetNames names,
+             const std::vector<const Pgc*>& chains, const StreamDeclarations& declared,
+             Findings& out) {
+  if (set.parts.empty()) return;
+  names.interleaved = InterleavedCells(chains);
+  StreamPresence found = ScanVobSet(disc, set, names, out);
+  CheckStreams(disc, chains, declared, found, names, out);
+}
+
+}  // namespace
+
+VerifyResult VerifyDisc(const Disc& disc, const VerifyOptions& options) {
+  Findings out = disc.load_findings;
+  CheckFiles(disc, out);
+  CheckInformationTables(disc, out);
+  CheckStreamCounts("VIDEO_TS.IFO", "VMGI_MAT", disc.vmg.menu, 1, 1, out);
+  for (const TitleSet& ts : disc.title_sets) {
+    if (!ts.present) continue;
+    CheckStreamCounts(ts.ifo_name, "VTSI_MAT", ts.menu, 1, 1, out);
+    CheckStreamCounts(ts.ifo_name, "VTSI_MAT", ts.title, 8, 32, out);
+  }
+  CheckTitles(disc, out);
+  CheckAddressTables(disc, out);
+  CheckChains(disc, out);
+  if (!options.ifo_only) {
+    std::vector<const Pgc*> vmgm = MenuChains(disc.vmg.menus);
+    if (disc.vmg.first_play) vmgm.push_back(&*disc.vmg.first_play);
+    ScanSet(disc, disc.vmg.menu_vobs,
+            {"VIDEO_TS.IFO", "VMGM_C_ADT", "VMGM_VOBU_ADMAP", "VMGM_PGCI_UT", {}}, vmgm,
+            disc.vmg.menu, out);
+    for (const TitleSet& ts : disc.title_sets) {
+      if (!ts.present) continue;
+      ScanSet(disc, ts.menu_vobs,
+              {ts.ifo_name, "VTSM_C_ADT", "VTSM_VOBU_ADMAP", "VTSM_PGCI_UT", {}},
+              MenuChains(ts.menus), ts.menu, out);
+      std::vector<const Pgc*> titles;
+      for (const Pgc& pgc : ts.pgcs) titles.push_back(&pgc);
+      ScanSet(disc, ts.title_vobs, {ts.ifo_name, "VTS_C_ADT", "VTS_VOBU_ADMAP", "VTS_PGCIT", {}},
+              titles, ts.title, out);
+    }
+  }
+  out.Finish();
+  VerifyResult result;
+  result.findings = out.all();
+  result.errors = out.Count(Severity::kError);
+  result.warnings = out.Count(Severity::kWarning);
+  result.infos = out.Count(Severity::kInfo);
+  return result;
+}
+
+std::string VerifyText(const VerifyResult& result) {
+  std::string text;
+  for (const Finding& f : result.findings) text += FindingLine(f) + "\n";
+  return text;
+}
+
+std::string VerifyJson(const std::string& disc_path, const VerifyResult& result) {
+  JsonWriter j;
+  j.set_compact_depth(2);
+  j.BeginObject();
+  j.Member("disc", disc_path);
+  j.Key("findings").BeginArray();
+  for (const Finding& f : result.findings) {
+    j.BeginObject();
+    j.Member("severity", SeverityName(f.severity)).Member("check", f.check).Member("file", f.file);
+    j.Key("table");
+    f.table ? j.String(*f.table) : j.Null();
+    j.Key("entry");
+    f.entry ? j.Uint(*f.entry) : j.Null();
+    j.Key("sector");
+    f.sector ? j.Uint(*f.sector) : j.Null();
+    j.Member("message", f.message);
+    j.EndObject();
+  }
+  j.EndArray();
+  j.MemberUint("errors", result.errors).MemberUint("warnings", result.warnings);
+  j.MemberUint("infos", result.infos);
+  j.EndObject();
+  return j.text();
+}
+
+std::string ListChecksText() {
+  std::string text;
+  for (const CheckInfo& c : AllChecks()) {
+    text += Format("%-22s %-8s %s\n", {c.id, SeverityName(c.severity), c.explanation});
+  }
+  return text;
+}
+
+std::string ListChecksJson() {
+  JsonWriter j;
+  j.set_compact_depth(2);
+  j.BeginObject().Key("checks").BeginArray();
+  for (const CheckInfo& c : AllChecks()) {
+    j.BeginObject().Member("check", c.id).Member("severity", SeverityName(c.severity));
+    j.Member("explanation", c.explanation).EndObject();
+  }
+  j.EndArray().EndObject();
+  return j.text();
+}
+
+}  // namespace tarvex
