@@ -1,4 +1,5 @@
 // open, list, hex, details.
+#include <cstdio>
 #include <filesystem>
 #include <memory>
 
@@ -7,6 +8,7 @@
 #include "stream/details.h"
 #include "stream/hex_view.h"
 #include "stream/listing.h"
+#include "stream/listing_json.h"
 
 namespace tarvex::cli {
 
@@ -135,8 +137,26 @@ void AddStreamCommands(CLI::App& app, Session& session) {
         ->required()
         ->check(RecordNumber())
         ->type_name("NUMBER");
-    cmd->callback([&session, file, first, end] {
-      session.action = [&session, file, first, end] {
+    auto json = std::make_shared<bool>(false);
+    cmd->add_flag("--json", *json,
+                  "Print the records as JSON, one object per pack: {\"file\", \"packets\": "
+                  "[{\"record\", \"type\" (the listing's word), \"scr\" (27 MHz ticks), "
+                  "\"scr_base\" (90 kHz), \"scr_extension\", \"pts\" and \"dts\" (90 kHz, all "
+                  "33 bits, when present), \"stream_id\", \"sub_stream_id\" (private streams)}]}. "
+                  "Only whole records within the file are listed; the report list is not used");
+    cmd->callback([&session, file, first, end, json] {
+      session.action = [&session, file, first, end, json] {
+        if (*json) {
+          auto text = ListPacksJson(*file, *ParseRecordNumber(*first), *ParseRecordNumber(*end));
+          if (!text) {
+            std::fprintf(stderr, "tarvex-cli list: %s: cannot be opened\n", file->c_str());
+            session.exit_status = 1;
+            return;
+          }
+          std::fwrite(text->data(), 1, text->size(), stdout);
+          session.exit_status = 0;
+          return;
+        }
         if (OpenForCommand(session, *file)) {
           std::uint32_t from = *ParseRecordNumber(*first);
           std::uint32_t to = *ParseRecordNumber(*end);
