@@ -86,7 +86,7 @@ class VobSetScanner {
         (std::uint32_t{pack.u8(10)} << 14) | (std::uint32_t{pack.u8(11)} << 6) | (pack.u8(12) >> 2);
     if (mux > kMaxMuxRate) {
       out_.AtRecord("vob.mux-rate", file, record,
-                    Format("program_mux_rate %d (%d bit/s), above 25200 (10.08 Mbit/s)",
+                    Format("program_mux_rate %d (%s bit/s), above 25200 (10.08 Mbit/s)",
                            {mux, std::to_string(std::uint64_t{mux} * 400)}));
     }
     std::uint32_t stream = 0;

@@ -19,8 +19,9 @@ std::uint64_t Sectors(std::uint64_t bytes) {
 void AddPart(const Disc& disc, VobSet& set, const std::string& name) {
   const DiscFileEntry* entry = disc.access->Find(name);
   if (entry == nullptr) return;
+  // Whole records only: a partial last record holds no pack (file.size reports it).
   set.parts.push_back({entry->name, entry->size, set.sectors});
-  set.sectors += Sectors(entry->size);
+  set.sectors += entry->size / 2048;
 }
 
 std::string TitleSetFile(std::uint32_t number, std::uint32_t part, const char* extension) {
@@ -102,7 +103,7 @@ void LoadTitleSet(Disc& disc, std::uint32_t number) {
 
 std::optional<std::pair<std::string, std::uint64_t>> VobSet::Locate(std::uint64_t sector) const {
   for (const Part& part : parts) {
-    std::uint64_t n = Sectors(part.size);
+    std::uint64_t n = part.size / 2048;
     if (sector >= part.first_sector && sector < part.first_sector + n) {
       return std::make_pair(part.name, sector - part.first_sector);
     }

@@ -1,0 +1,203 @@
+// info --json against lsdvd -x on every field both show, and the stream ids that follow the
+// program chain's stream control where lsdvd guesses them from the stream's position.
+#include <gtest/gtest.h>
+
+#include <map>
+#include <regex>
+#include <sstream>
+
+#include "disc/disc_test_support.h"
+#include "disc/info.h"
+#include "disc/model.h"
+
+namespace tarvex {
+namespace {
+
+using nlohmann::json;
+
+// What lsdvd -x prints, line by line, as key/value maps per item.
+struct LsdvdTitle {
+  std::map<std::string, std::string> title;  // the Title line and the one after it
+  std::string palette;
+  std::string angles;
+  std::vector<std::map<std::string, std::string>> audio, chapters, cells, subtitles;
+};
+
+std::map<std::string, std::string> Fields(const std::string& line) {
+  std::map<std::string, std::string> fields;
+  // "Key: value" items, separated by ", " or (after a title's length) by a blank only.
+  static const std::regex kField(
+      R"(([A-Z][A-Za-z]*(?: [A-Za-z]+)?): (.*?)(?=, | [A-Z][A-Za-z]*(?: [A-Za-z]+)?: |,?$))");
+  for (auto it = std::sregex_iterator(line.begin(), line.end(), kField);
+       it != std::sregex_iterator(); ++it) {
+    std::string key = (*it)[1], value = (*it)[2];
+    while (!key.empty() && key.front() == ' ') key.erase(0, 1);
+    while (!value.empty() && value.back() == ' ') value.pop_back();
+    fields[key] = value;
+  }
+  return fields;
+}
+
+std::vector<LsdvdTitle> RunLsdvd(const std::string& disc) {
+  std::string out = test::CaptureCommand("lsdvd -x " + test::ShellQuote(disc) + " 2>/dev/null");
+  std::vector<LsdvdTitle> titles;
+  std::istringstream in(out);
+  std::string line;
+  while (std::getline(in, line)) {
+    std::size_t start = line.find_first_not_of('\t');
+    if (start == std::string::npos) continue;
+    std::string body = line.substr(start);
+    if (body.rfind("Title: ", 0) == 0) {
+      titles.emplace_back().title = Fields(body);
+    } else if (titles.empty()) {
+      continue;
+    } else if (body.rfind("VTS: ", 0) == 0) {
+      for (auto& [k, v] : Fields(body)) titles.back().title[k] = v;
+    } else if (body.rfind("Palette: ", 0) == 0) {
+      titles.back().palette = body.substr(9);
+    } else if (body.rfind("Number of Angles: ", 0) == 0) {
+      titles.back().angles = body.substr(18);
+    } else if (body.rfind("Audio: ", 0) == 0) {
+      titles.back().audio.push_back(Fields(body));
+    } else if (body.rfind("Chapter: ", 0) == 0) {
+      titles.back().chapters.push_back(Fields(body));
+    } else if (body.rfind("Cell: ", 0) == 0) {
+      titles.back().cells.push_back(Fields(body));
+    } else if (body.rfind("Subtitle: ", 0) == 0) {
+      titles.back().subtitles.push_back(Fields(body));
+    }
+  }
+  return titles;
+}
+
+// "hh:mm:ss.mmm" as milliseconds.
+long Ms(const std::string& text) {
+  int h = 0, m = 0, s = 0, ms = 0;
+  EXPECT_EQ(std::sscanf(text.c_str(), "%d:%d:%d.%d", &h, &m, &s, &ms), 4) << text;
+  return ((h * 60L + m) * 60 + s) * 1000 + ms;
+}
+
+long Ms(const json& seconds) {
+  return std::lround(seconds.get<double>() * 1000);
+}
+
+std::string Trim(std::string text) {
+  while (!text.empty() && text.back() == ' ') text.pop_back();
+  return text;
+}
+
+json Info(const std::string& disc) {
+  std::string error;
+  std::optional<Disc> d = LoadDisc(disc, error);
+  EXPECT_TRUE(d) << error;
+  return d ? test::ParseJson(DiscInfoJson(*d)) : json{};
+}
+
+// Every field both show; stream ids only when compare_ids.
+void CompareWithLsdvd(const std::string& disc, bool compare_ids) {
+  std::vector<LsdvdTitle> lsdvd = RunLsdvd(disc);
+  json info = Info(disc);
+  ASSERT_EQ(lsdvd.size(), info["titles"].size());
+  ASSERT_FALSE(lsdvd.empty());
+  for (std::size_t t = 0; t < lsdvd.size(); ++t) {
+    const LsdvdTitle& l = lsdvd[t];
+    const json& j = info["titles"][t];
+    SCOPED_TRACE("title " + std::to_string(t + 1));
+    EXPECT_EQ(std::stoi(l.title.at("Title")), j["number"]);
+    EXPECT_EQ(Ms(l.title.at("Length")), Ms(j["length"]));
+    EXPECT_EQ(std::stoul(l.title.at("Chapters")), j["chapters"].size());
+    EXPECT_EQ(std::stoul(l.title.at("Cells")), j["cells"].size());
+    EXPECT_EQ(std::stoul(l.title.at("Audio streams")), j["audio"].size());
+    EXPECT_EQ(std::stoul(l.title.at("Subpictures")), j["subpictures"].size());
+    EXPECT_EQ(std::stoi(l.title.at("VTS")), j["title_set"]);
+    EXPECT_EQ(std::stoi(l.title.at("TTN")), j["title_in_set"]);
+    EXPECT_DOUBLE_EQ(std::stod(l.title.at("FPS")), j["video"]["frame_rate"].get<double>());
+    EXPECT_EQ(l.title.at("Format"), j["video"]["standard"]);
+    std::string aspect = l.title.at("Aspect ratio");
+    std::replace(aspect.begin(), aspect.end(), '/', ':');
+    EXPECT_EQ(aspect, j["video"]["aspect"]);
+    EXPECT_EQ(std::stoi(l.title.at("Width")), j["video"]["width"]);
+    EXPECT_EQ(std::stoi(l.title.at("Height")), j["video"]["height"]);
+    EXPECT_EQ(std::stoi(l.angles), j["angles"]);
+    std::string palette;
+    for (const json& c : j["palette"]) palette += c.get<std::string>() + " ";
+    EXPECT_EQ(l.palette, palette);
+    for (std::size_t a = 0; a < l.audio.size(); ++a) {
+      const auto& la = l.audio[a];
+      const json& ja = j["audio"][a];
+      EXPECT_EQ(std::stoi(la.at("Audio")), ja["number"]);
+      EXPECT_EQ(la.at("Language").substr(0, 2), ja["language"]);
+      EXPECT_EQ(Trim(la.at("Format")), ja["format"]);
+      EXPECT_EQ(std::stoi(la.at("Frequency")), ja["frequency"]);
+      EXPECT_EQ(std::stoi(la.at("Channels")), ja["channels"]);
+      EXPECT_EQ(std::stoi(la.at("AP")), ja["application_mode"]);
+      if (compare_ids) {
+        EXPECT_EQ(la.at("Stream id"), ja["stream_id"]);
+      }
+    }
+    for (std::size_t c = 0; c < l.chapters.size(); ++c) {
+      EXPECT_EQ(std::stoi(l.chapters[c].at("Chapter")), j["chapters"][c]["number"]);
+      EXPECT_EQ(Ms(l.chapters[c].at("Length")), Ms(j["chapters"][c]["length"]));
+      EXPECT_EQ(std::stoi(l.chapters[c].at("Start Cell")), j["chapters"][c]["first_cell"]);
+    }
+    for (std::size_t c = 0; c < l.cells.size(); ++c) {
+      EXPECT_EQ(std::stoi(l.cells[c].at("Cell")), j["cells"][c]["number"]);
+      EXPECT_EQ(Ms(l.cells[c].at("Length")), Ms(j["cells"][c]["length"]));
+    }
+    for (std::size_t s = 0; s < l.subtitles.size(); ++s) {
+      EXPECT_EQ(l.subtitles[s].at("Language").substr(0, 2), j["subpictures"][s]["language"]);
+      if (compare_ids) {
+        EXPECT_EQ(l.subtitles[s].at("Stream id"), j["subpictures"][s]["stream_id"]);
+      }
+    }
+  }
+}
+
+bool HaveLsdvd() {
+  return test::HaveTool("lsdvd");
+}
+
+TEST(InfoLsdvd, SampleAgreesWithLsdvdOnEveryFieldBothShow) {
+  if (!HaveLsdvd()) GTEST_SKIP() << "lsdvd is not installed";
+  CompareWithLsdvd(test::SampleDisc(), true);
+}
+
+TEST(InfoLsdvd, SampleFieldsWorkedOutByHand) {
+  // From the sample's IFO report: chapters at cells 1, 2, 3 of 2 s 28 frames, 3 s and 2 s
+  // 2 frames at 29.97 frames per second.
+  json j = Info(test::SampleDisc());
+  const json& t = j["titles"][0];
+  EXPECT_EQ(j["vmg"]["id"], "DVDVIDEO-VMG");
+  EXPECT_EQ(j["vmg"]["title_sets"], 1);
+  EXPECT_EQ(t["length"], 8);
+  EXPECT_EQ(t["chapters"][0]["length"], 2.934);
+  EXPECT_EQ(t["chapters"][2]["length"], 2.066);
+  EXPECT_EQ(t["cells"][1]["first_sector"], 391);
+  EXPECT_EQ(t["cells"][1]["last_sector"], 859);
+  EXPECT_EQ(t["audio"][0]["stream_id"], "0x80");
+  EXPECT_EQ(t["audio"][1]["stream_id"], "0xa1");
+  EXPECT_EQ(t["audio"][2]["stream_id"], "0xc2");
+  EXPECT_EQ(t["subpictures"][0]["stream_id"], "0x20");
+  EXPECT_EQ(t["palette"].size(), 16u);
+  EXPECT_EQ(t["palette"][2], "52f05a");  // Y 82, Cr 240, Cb 90
+  ASSERT_EQ(j["menus"].size(), 3u);
+  EXPECT_EQ(j["menus"][0]["domain"], "vmgm");
+  EXPECT_EQ(j["menus"][0]["entry"], "title");
+  EXPECT_EQ(j["menus"][1]["entry"], "root");
+}
+
+TEST(InfoLsdvd, StreamIdsFollowTheChainsControlNotThePosition) {
+  test::TempDir dir;
+  std::string disc = test::RemappedSample(dir);
+  json j = Info(disc);
+  EXPECT_EQ(j["titles"][0]["audio"][1]["stream_id"], "0xa3");
+  EXPECT_EQ(j["titles"][0]["audio"][1]["format"], "lpcm");
+  if (!HaveLsdvd()) GTEST_SKIP() << "lsdvd is not installed";
+  std::vector<LsdvdTitle> lsdvd = RunLsdvd(disc);
+  ASSERT_EQ(lsdvd.size(), 1u);
+  EXPECT_EQ(lsdvd[0].audio[1].at("Stream id"), "0xa1");  // its guess from the position
+  CompareWithLsdvd(disc, false);                         // every other field still agrees
+}
+
+}  // namespace
+}  // namespace tarvex
