@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds tarvex-cli and shows it at work on the bundled sample disc:
 # the first page of the title VOB, the details of its first navigation pack and of its first
-# video pack, then the overview of the video manager IFO.
+# video pack, the overview of the video manager IFO, then the whole disc: what is on it (info)
+# and its check (verify).
 # Usage: tools/run-sample.sh    (build directory: build-sample/)
 set -euo pipefail
 cd "$(dirname "$0")/.."
@@ -34,4 +35,6 @@ run open "$disc/VTS_01_1.VOB"
 run details "$disc/VTS_01_1.VOB" 0
 run details "$disc/VTS_01_1.VOB" 1
 run ifo "$disc/VIDEO_TS.IFO"
+run info samples/disc
+run verify samples/disc
 exit $status

@@ -267,6 +267,45 @@ class ImageDisc final : public DiscAccess {
   std::vector<DiscFileEntry> files_;
 };
 
+// ---- files in memory ----------------------------------------------------------------------
+
+class MemoryFile final : public DiscFile {
+ public:
+  explicit MemoryFile(const std::vector<std::uint8_t>& bytes) : bytes_(bytes) {}
+  std::uint64_t size() const override { return bytes_.size(); }
+  std::size_t ReadAt(std::uint64_t offset, std::span<std::uint8_t> out) override {
+    if (offset >= bytes_.size()) return 0;
+    std::size_t n = std::min<std::size_t>(out.size(), bytes_.size() - offset);
+    std::memcpy(out.data(), bytes_.data() + offset, n);
+    return n;
+  }
+
+ private:
+  const std::vector<std::uint8_t>& bytes_;
+};
+
+class MemoryDisc final : public DiscAccess {
+ public:
+  explicit MemoryDisc(std::vector<std::pair<std::string, std::vector<std::uint8_t>>> files)
+      : contents_(std::move(files)) {
+    for (const auto& [name, bytes] : contents_)
+      files_.push_back({name, bytes.size(), std::nullopt});
+    SortByName(files_);
+  }
+  const char* kind() const override { return "memory"; }
+  const std::vector<DiscFileEntry>& files() const override { return files_; }
+  std::unique_ptr<DiscFile> Open(const std::string& name) override {
+    for (const auto& [n, bytes] : contents_) {
+      if (SameName(n, name)) return std::make_unique<MemoryFile>(bytes);
+    }
+    return nullptr;
+  }
+
+ private:
+  std::vector<std::pair<std::string, std::vector<std::uint8_t>>> contents_;
+  std::vector<DiscFileEntry> files_;
+};
+
 }  // namespace
 
 const DiscFileEntry* DiscAccess::Find(const std::string& name) const {
@@ -319,6 +358,11 @@ std::unique_ptr<DiscAccess> OpenDisc(const std::string& path, std::string& error
   auto disc = std::make_unique<ImageDisc>();
   if (!disc->Start(std::move(input), error)) return nullptr;
   return disc;
+}
+
+std::unique_ptr<DiscAccess> OpenMemoryDisc(
+    std::vector<std::pair<std::string, std::vector<std::uint8_t>>> files) {
+  return std::make_unique<MemoryDisc>(std::move(files));
 }
 
 std::unique_ptr<DiscAccess> OpenDiscImage(std::vector<std::uint8_t> image, std::string& error) {

@@ -57,4 +57,8 @@ std::unique_ptr<DiscAccess> OpenDisc(const std::string& path, std::string& error
 // system with a VIDEO_TS folder.
 std::unique_ptr<DiscAccess> OpenDiscImage(std::vector<std::uint8_t> image, std::string& error);
 
+// Files held in memory, as if they were a VIDEO_TS folder (for tests and fuzzing).
+std::unique_ptr<DiscAccess> OpenMemoryDisc(
+    std::vector<std::pair<std::string, std::vector<std::uint8_t>>> files);
+
 }  // namespace tarvex
