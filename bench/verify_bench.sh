@@ -1,0 +1,76 @@
+#!/usr/bin/env bash
+# verify throughput and memory: builds a disc whose title VOBs hold about 1 GiB (the sample's
+# title repeated by bench/make-long-disc.py, split at 1 GiB, with every navigation pack and
+# table rewritten so that the disc verifies clean), then times, in the same run,
+#   - cat of every VOB of the disc > /dev/null       (reading alone: the physical limit),
+#   - tarvex-cli verify DISC                         (IFOs and one pass over every VOB),
+#   - tarvex-cli verify --ifo-only DISC              (the IFOs alone),
+#   - tarvex-cli verify DISC.iso                     (the same disc as an ISO image, made by
+#                                                     genisoimage -dvd-video, read through
+#                                                     libudfread)
+# and reports each one's median wall time over REPEAT runs (default 5) and peak memory.
+# Goals: verify at most 2 x cat, peak memory under 32 MB, --ifo-only under 50 ms, the ISO at
+# most 1.2 x the folder.
+#
+# Usage: bench/verify_bench.sh [MIN_MB]      (default 1024)
+# Environment: TARVEX_CLI (default build/tarvex-cli; use a Release build), BENCH_TMP (default
+#   $TMPDIR or /tmp), BENCH_KEEP=1 keeps the temporary folder, REPEAT.
+set -euo pipefail
+
+here=$(cd "$(dirname "$0")/.." && pwd)
+min_mb=${1:-1024}
+cli=${TARVEX_CLI:-$here/build/tarvex-cli}
+for tool in "$cli" python3 genisoimage /usr/bin/time; do
+  command -v "$tool" >/dev/null || { echo "missing $tool" >&2; exit 1; }
+done
+
+work=$(mktemp -d "${BENCH_TMP:-${TMPDIR:-/tmp}}/tarvex-verify-bench.XXXXXX")
+[ "${BENCH_KEEP:-0}" = 1 ] || trap 'rm -rf "$work"' EXIT
+
+disc=$work/disc
+python3 "$here/bench/make-long-disc.py" "$here/samples/disc" "$disc" "$min_mb"
+genisoimage -quiet -dvd-video -V VERIFY_BENCH -o "$work/disc.iso" "$disc"
+vobs=("$disc"/VIDEO_TS/*.VOB)
+bytes=$(cat "${vobs[@]}" | wc -c)
+echo "VOBs: ${#vobs[@]} files, $bytes bytes; image: $(stat -c %s "$work/disc.iso") bytes"
+echo "verify of the folder: $("$cli" verify "$disc" 2>&1 | tail -n 1)"
+cat "${vobs[@]}" "$work/disc.iso" > /dev/null  # warm the page cache so every contender starts alike
+
+repeat=${REPEAT:-5}
+results=()
+run() { # NAME COMMAND...: median seconds and highest peak memory of REPEAT runs
+  local name=$1; shift
+  local log=$work/$name.time times=() rss_max=0 wall rss secs
+  for ((r = 0; r < repeat; r++)); do
+    /usr/bin/time -v -o "$log" "$@" > /dev/null 2> "$work/$name.err" || {
+      local rc=$?
+      # verify exits 1 when it finds an error: the bench disc has none.
+      echo "$name failed (exit status $rc):" >&2; cat "$work/$name.err" >&2; exit 1; }
+    wall=$(sed -n 's/.*Elapsed (wall clock) time (h:mm:ss or m:ss): //p' "$log")
+    rss=$(sed -n 's/.*Maximum resident set size (kbytes): //p' "$log")
+    secs=$(awk -v t="$wall" 'BEGIN { n = split(t, p, ":"); s = 0;
+                                     for (i = 1; i <= n; i++) s = s * 60 + p[i]; print s }')
+    times+=("$secs")
+    [ "$rss" -gt "$rss_max" ] && rss_max=$rss
+  done
+  secs=$(printf '%s\n' "${times[@]}" | sort -g | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }')
+  printf '%-10s %8.3f s %9.1f MB/s %8.1f MB peak   (runs: %s)\n' "$name" "$secs" \
+    "$(awk -v b="$bytes" -v s="$secs" 'BEGIN { print (s > 0 ? b / 1048576 / s : 0) }')" \
+    "$(awk -v k="$rss_max" 'BEGIN { print k / 1024 }')" "${times[*]}"
+  results+=("$name $secs $rss_max")
+}
+
+run cat sh -c 'cat "$@" > /dev/null' sh "${vobs[@]}"
+run verify "$cli" verify "$disc"
+run iso "$cli" verify "$work/disc.iso"
+run ifo-only "$cli" verify --ifo-only "$disc"
+
+awk -v r="${results[*]}" 'BEGIN {
+  n = split(r, f, " ");
+  for (i = 1; i <= n; i += 3) { t[f[i]] = f[i + 1]; m[f[i]] = f[i + 2] }
+  printf "verify / cat      = %.2f (goal <= 2)\n", t["verify"] / t["cat"];
+  printf "verify peak       = %.1f MB (goal < 32)\n", m["verify"] / 1024;
+  printf "iso / folder      = %.2f (goal <= 1.2)\n", t["iso"] / t["verify"];
+  printf "iso peak          = %.1f MB\n", m["iso"] / 1024;
+  printf "--ifo-only        = %.0f ms (goal < 50)\n", t["ifo-only"] * 1000;
+}'
