@@ -40,7 +40,8 @@ constexpr CheckInfo kChecks[] = {
     {"ptt.target", E, "a part of title pointing to a program chain or program that does not exist"},
     // Program chains.
     {"pgc.structure", E,
-     "program chain counts and sub-table offsets: programs <= cells, tables present and inside"},
+     "program chain counts and sub-tables: programs <= cells, tables present and complete, at "
+     "most 128 commands"},
     {"pgc.program-map", E, "program entry cells that are not 1, increasing, up to the cell count"},
     {"pgc.cell-sectors", E,
      "cell playback sectors out of order, beyond the VOBs, or not at VOBU starts"},
@@ -70,7 +71,7 @@ constexpr CheckInfo kChecks[] = {
     {"nav.vobu-length", W, "a VOBU shorter than 0.4 s or longer than 1.0 s (stills excepted)"},
     // Packs.
     {"vob.pack", E, "a record that is not an MPEG-2 pack of a DVD-Video stream"},
-    {"vob.first-pack", E, "a VOB set or cell that does not begin with a navigation pack"},
+    {"vob.first-pack", E, "a VOB set that does not begin with a navigation pack"},
     {"vob.mux-rate", W, "a pack whose program_mux_rate is above 10.08 Mbit/s"},
     {"vob.scr-order", W, "a pack whose SCR is lower than the one before it in the same VOB"},
     // Streams.
