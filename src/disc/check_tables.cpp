@@ -230,7 +230,19 @@ bool IsVobuStart(const VobSet& set, std::uint32_t sector) {
 
 namespace {
 
-void CheckCellTable(const std::string& file, const char* table, const VobSet& set, Findings& out) {
+// Cells of angle blocks: their sectors interleave with the other angles' cells.
+std::set<std::pair<std::uint16_t, std::uint8_t>> AngleCells(const std::vector<Pgc>& pgcs) {
+  std::set<std::pair<std::uint16_t, std::uint8_t>> cells;
+  for (const Pgc& pgc : pgcs) {
+    for (const Cell& c : pgc.cells) {
+      if (c.block_type() != 0 || c.interleaved()) cells.insert({c.vob_id, c.cell_id});
+    }
+  }
+  return cells;
+}
+
+void CheckCellTable(const std::string& file, const char* table, const VobSet& set, Findings& out,
+                    const std::set<std::pair<std::uint16_t, std::uint8_t>>& interleaved = {}) {
   if (!set.has_cell_table) return;
   std::uint16_t highest_vob = 0;
   for (std::size_t i = 0; i < set.cells.size(); ++i) {
@@ -248,7 +260,8 @@ void CheckCellTable(const std::string& file, const char* table, const VobSet& se
         out.AtTable("c_adt.order", file, table, entry,
                     Format("VOB %d cell %d follows VOB %d cell %d",
                            {c.vob_id, c.cell_id, b.vob_id, b.cell_id}));
-      } else if (c.first <= b.last) {
+      } else if (c.first <= b.last && !interleaved.count({c.vob_id, c.cell_id}) &&
+                 !interleaved.count({b.vob_id, b.cell_id})) {
         out.AtTable("c_adt.order", file, table, entry,
                     Format("VOB %d cell %d starts at sector %d, inside the cell before (to %d)",
                            {c.vob_id, c.cell_id, c.first, b.last}));
@@ -303,7 +316,7 @@ void CheckAddressTables(const Disc& disc, Findings& out) {
     if (!ts.present) continue;
     CheckCellTable(ts.ifo_name, "VTSM_C_ADT", ts.menu_vobs, out);
     CheckAddressMap(ts.ifo_name, "VTSM_VOBU_ADMAP", ts.menu_vobs, out);
-    CheckCellTable(ts.ifo_name, "VTS_C_ADT", ts.title_vobs, out);
+    CheckCellTable(ts.ifo_name, "VTS_C_ADT", ts.title_vobs, out, AngleCells(ts.pgcs));
     CheckAddressMap(ts.ifo_name, "VTS_VOBU_ADMAP", ts.title_vobs, out);
     for (std::size_t m = 0; m < ts.time_maps.size(); ++m) {
       const TitleTimeMap& map = ts.time_maps[m];

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <string>
 
+#include "ifo/fields.h"
+#include "ifo/layouts.h"
 #include "ifo/opened_table.h"
 #include "ifo/source.h"
 #include "ifo/vtsi_mat.h"
@@ -14,7 +16,7 @@ namespace tarvex {
 namespace {
 
 constexpr std::uint32_t kHeaderBytes = 8;
-constexpr std::uint32_t kCellBytes = 12;
+constexpr std::uint32_t kCellBytes = kCellAddressBytes;
 constexpr std::uint32_t kMaxVobs = 255;
 constexpr std::uint32_t kMaxCellsPerVob = 99;
 // Every variant reports a missing cell statement under the title set menu table's name.
@@ -80,12 +82,14 @@ void Report(AppContext& ctx, const CAdtVariant& v) {
   std::vector<std::uint8_t> block = ReadCells(s);
   ByteView cells(block);
   std::uint32_t count = CellCount(s);
+  auto layout = CellAddressLayout();
   for (std::uint32_t i = 0; i < count; ++i) {
-    std::size_t off = std::size_t{i} * kCellBytes;
-    ctx.AddReportLine(Format("For table entry %d VOB ID %d Cell ID %d.",
-                             {i + 1, cells.be16(off), cells.u8(off + 2)}));
+    ByteView cell = cells.sub(std::size_t{i} * kCellBytes, kCellBytes);
+    ctx.AddReportLine(
+        Format("For table entry %d VOB ID %d Cell ID %d.",
+               {i + 1, DiscValue(cell, layout, "vob_idn"), DiscValue(cell, layout, "c_idn")}));
     ctx.AddReportLine(Format("Start sector address is %d and end sector addres is %d.",
-                             {cells.be32(off + 4), cells.be32(off + 8)}));
+                             {DiscValue(cell, layout, "cp_sa"), DiscValue(cell, layout, "cp_ea")}));
   }
 }
 
@@ -99,13 +103,14 @@ void Disassemble(AppContext& ctx, const CAdtVariant& v) {
   std::vector<std::uint8_t> block = ReadCells(s);
   ByteView cells(block);
   std::uint32_t count = std::min<std::uint32_t>(s.count, CellCount(s));
+  auto layout = CellAddressLayout();
   for (std::uint32_t i = 0; i < count; ++i) {
-    std::size_t off = std::size_t{i} * kCellBytes;
-    std::string prefix = Format("c_%03d_vob%03d_vts_", {cells.u8(off + 2), cells.be16(off)});
-    WriteSourceValue(ctx, v.section, prefix + "vob_idn", Format("%d", {cells.be16(off)}));
-    WriteSourceValue(ctx, v.section, prefix + "c_idn", Format("%d", {cells.u8(off + 2)}));
-    WriteSourceValue(ctx, v.section, prefix + "cp_sa", Format("%d", {cells.be32(off + 4)}));
-    WriteSourceValue(ctx, v.section, prefix + "cp_ea", Format("%d", {cells.be32(off + 8)}));
+    ByteView cell = cells.sub(std::size_t{i} * kCellBytes, kCellBytes);
+    std::string prefix = Format("c_%03d_vob%03d_vts_", {DiscValue(cell, layout, "c_idn"),
+                                                        DiscValue(cell, layout, "vob_idn")});
+    for (const FieldDesc& field : layout) {
+      WriteSourceValue(ctx, v.section, prefix + field.key, FormatSourceValue(cell, field));
+    }
   }
 }
 
@@ -113,22 +118,13 @@ void Disassemble(AppContext& ctx, const CAdtVariant& v) {
 // first missing one.
 bool LoadCellFields(AppContext& ctx, const CAdtVariant& v, std::uint32_t cell, std::uint32_t vob,
                     std::array<std::uint8_t, 12>& entry) {
-  struct Field {
-    const char* name;
-    std::size_t offset;
-  };
-  constexpr Field kFields[] = {{"c_idn", 2}, {"cp_sa", 4}, {"cp_ea", 8}};
   ByteWriter w(entry);
   std::string value;
-  for (const Field& field : kFields) {
-    std::string key = Format("c_%03d_vob%03d_vts_%s", {cell, vob, field.name});
+  // The VOB id (the first field) is read by the caller.
+  for (const FieldDesc& field : CellAddressLayout().subspan(1)) {
+    std::string key = Format("c_%03d_vob%03d_vts_%s", {cell, vob, field.key});
     if (!ReadRequiredValue(ctx, v.section, key, kMissingCaption, value)) return false;
-    std::uint32_t n = ParseDecimal(value);
-    if (field.offset == 2) {
-      w.put_u8(field.offset, static_cast<std::uint8_t>(n));
-    } else {
-      w.put_be32(field.offset, n);
-    }
+    StoreSourceValue(w, field, 0, value);
   }
   return true;
 }
@@ -150,7 +146,7 @@ void Load(AppContext& ctx, const CAdtVariant& v) {
       std::string key = Format("c_%03d_vob%03d_vts_vob_idn", {cell, vob});
       if (!ReadSourceValue(ctx, v.section, key, value)) break;
       std::array<std::uint8_t, 12>& entry = s.cells.emplace_back();  // zeroed
-      ByteWriter(entry).put_be16(0, ParseDecimal(value));
+      StoreSourceValue(ByteWriter(entry), CellAddressLayout()[0], 0, value);
       if (!LoadCellFields(ctx, v, cell, vob, entry)) break;
     }
   }

@@ -198,20 +198,29 @@ void pgc_report(AppContext& ctx, int indent, ByteView base, std::size_t offset) 
   std::size_t pbit = pgc.be16(kCPbitSa);
   Add(ctx, pad, Format("PGC: Memory offset of Cell Playback Information Table: %d", {pbit}));
   if (pbit != 0) {
+    auto layout = CellPlaybackLayout();
+    std::size_t category = LayoutField(layout, "cat").offset;
     for (std::uint32_t c = 0; c < cells; ++c) {
-      std::size_t e = pbit + 24 * c;
+      ByteView e = pgc.sub(pbit + std::size_t{kCellPlaybackBytes} * c, kCellPlaybackBytes);
       std::uint32_t n = c + 1;
       Add(ctx, pad,
           Format("    Cell %d category: %x %x %d %d",
-                 {n, pgc.u8(e), pgc.u8(e + 1), pgc.u8(e + 2), pgc.u8(e + 3)}));
-      auto t = TimeDigits(pgc, e + 4);
+                 {n, e.u8(category), e.u8(category + 1), e.u8(category + 2), e.u8(category + 3)}));
+      auto t = TimeDigits(e, LayoutField(layout, "pbtm").offset);
       Add(ctx, pad,
           Format("    Cell %d Play Back Time: %d%d:%d%d:%d%d.%d%d",
                  {n, t[0], t[1], t[2], t[3], t[4], t[5], t[6], t[7]}));
-      Add(ctx, pad, Format("    Cell %d entry point sector: %d", {n, pgc.be32(e + 8)}));
-      Add(ctx, pad, Format("    Cell %d first ILVU VOBU end sector: %d", {n, pgc.be32(e + 12)}));
-      Add(ctx, pad, Format("    Cell %d start sector of last VOUB: %d", {n, pgc.be32(e + 16)}));
-      Add(ctx, pad, Format("    Cell %d last sector of this cell: %d", {n, pgc.be32(e + 20)}));
+      Add(ctx, pad,
+          Format("    Cell %d entry point sector: %d", {n, DiscValue(e, layout, "fvobu_sa")}));
+      Add(ctx, pad,
+          Format("    Cell %d first ILVU VOBU end sector: %d",
+                 {n, DiscValue(e, layout, "filvu_ea")}));
+      Add(ctx, pad,
+          Format("    Cell %d start sector of last VOUB: %d",
+                 {n, DiscValue(e, layout, "lvobu_sa")}));
+      Add(ctx, pad,
+          Format("    Cell %d last sector of this cell: %d",
+                 {n, DiscValue(e, layout, "lvobu_ea")}));
     }
   } else {
     Add(ctx, pad, "    There is no PGC Playback Information Table");
@@ -224,9 +233,12 @@ void pgc_report(AppContext& ctx, int indent, ByteView base, std::size_t offset) 
   std::size_t posit = pgc.be16(kCPositSa);
   Add(ctx, pad, Format("PGC: Memory offset of Cell Position Information Table: %d", {posit}));
   if (posit != 0) {
+    auto layout = CellPositionLayout();
     for (std::uint32_t c = 0; c < cells; ++c) {
-      std::size_t e = posit + 4 * c;
-      Add(ctx, pad, Format("    VOB ID number %d of this Cell %d", {pgc.be16(e), pgc.u8(e + 3)}));
+      ByteView e = pgc.sub(posit + std::size_t{kCellPositionBytes} * c, kCellPositionBytes);
+      Add(ctx, pad,
+          Format("    VOB ID number %d of this Cell %d",
+                 {DiscValue(e, layout, "vobid"), DiscValue(e, layout, "cellid")}));
     }
   } else {
     Add(ctx, pad, "    There is no Cell Position Information Table");
@@ -274,14 +286,11 @@ void pgc_disassemble(AppContext& ctx, ByteView base, std::size_t offset, std::st
   write("c_pbit_sa", Format("%d", {pbit}));
   if (pbit != 0) {
     for (std::uint32_t c = 0; c < cells; ++c) {
-      std::size_t e = pbit + 24 * c;
-      std::string cell = Format("c_pbit_cell%03d", {c + 1});
-      write(cell + "_cat", HexBytes(pgc, e, 4));
-      write(cell + "_pbtm", HexBytes(pgc, e + 4, 4));
-      write(cell + "_fvobu_sa", Format("%d", {pgc.be32(e + 8)}));
-      write(cell + "_filvu_ea", Format("%d", {pgc.be32(e + 12)}));
-      write(cell + "_lvobu_sa", Format("%d", {pgc.be32(e + 16)}));
-      write(cell + "_lvobu_ea", Format("%d", {pgc.be32(e + 20)}));
+      ByteView e = pgc.sub(pbit + std::size_t{kCellPlaybackBytes} * c, kCellPlaybackBytes);
+      std::string cell = Format("c_pbit_cell%03d_", {c + 1});
+      for (const FieldDesc& field : CellPlaybackLayout()) {
+        write(cell + field.key, FormatSourceValue(e, field));
+      }
     }
   }
 
@@ -289,10 +298,11 @@ void pgc_disassemble(AppContext& ctx, ByteView base, std::size_t offset, std::st
   write("c_posit_sa", Format("%d", {posit}));
   if (posit != 0) {
     for (std::uint32_t c = 0; c < cells; ++c) {
-      std::size_t e = posit + 4 * c;
-      std::string cell = Format("c_posit_cell%03d", {c + 1});
-      write(cell + "_vobid", Format("%d", {pgc.be16(e)}));
-      write(cell + "_cellid", Format("%d", {pgc.u8(e + 3)}));
+      ByteView e = pgc.sub(posit + std::size_t{kCellPositionBytes} * c, kCellPositionBytes);
+      std::string cell = Format("c_posit_cell%03d_", {c + 1});
+      for (const FieldDesc& field : CellPositionLayout()) {
+        write(cell + field.key, FormatSourceValue(e, field));
+      }
     }
   }
 }
@@ -305,41 +315,35 @@ void pgc_assemble(AppContext& ctx, std::string_view section, std::string_view pr
   auto read = [&](const std::string& key) { return ReadSourceValue(ctx, section, p + key, value); };
   auto missing = [&](const std::string& key) { ctx.ui.ShowMessage(p + key, kMissingCaption); };
 
+  // Reads one cell entry: its first field ends the list when missing, a later missing field
+  // gives the message and stays 0.
+  auto read_entry = [&](const std::string& cell, std::span<const FieldDesc> layout, ByteWriter w) {
+    if (!read(cell + layout[0].key)) return false;
+    StoreSourceValue(w, layout[0], 0, value);
+    for (const FieldDesc& field : layout.subspan(1)) {
+      if (read(cell + field.key)) {
+        StoreSourceValue(w, field, 0, value);
+      } else {
+        missing(cell + field.key);
+      }
+    }
+    return true;
+  };
+
   // Cell position list.
   for (std::uint32_t n = 1; n <= kMaxListEntries; ++n) {
-    std::string cell = Format("c_posit_cell%03d", {n});
-    if (!read(cell + "_vobid")) break;
-    std::array<std::uint8_t, 4> entry{};
-    ByteWriter w(entry);
-    w.put_be16(0, ParseDecimal(value));
-    if (read(cell + "_cellid")) {
-      w.put_u8(3, static_cast<std::uint8_t>(ParseDecimal(value)));
-    } else {
-      missing(cell + "_cellid");
+    std::array<std::uint8_t, kCellPositionBytes> entry{};
+    if (!read_entry(Format("c_posit_cell%03d_", {n}), CellPositionLayout(), ByteWriter(entry))) {
+      break;
     }
     a.cell_position.push_back(entry);
   }
 
   // Cell playback list.
   for (std::uint32_t n = 1; n <= kMaxListEntries; ++n) {
-    std::string cell = Format("c_pbit_cell%03d", {n});
-    if (!read(cell + "_cat")) break;
-    std::array<std::uint8_t, 24> entry{};
-    ByteWriter w(entry);
-    w.put_bytes(0, ByteView(ParseHexBytes(value, 4)));
-    if (read(cell + "_pbtm")) {
-      w.put_bytes(4, ByteView(ParseHexBytes(value, 4)));
-    } else {
-      missing(cell + "_pbtm");
-    }
-    constexpr std::array<const char*, 4> kSectors = {"_fvobu_sa", "_filvu_ea", "_lvobu_sa",
-                                                     "_lvobu_ea"};
-    for (std::size_t k = 0; k < kSectors.size(); ++k) {
-      if (read(cell + kSectors[k])) {
-        w.put_be32(8 + 4 * k, ParseDecimal(value));
-      } else {
-        missing(cell + kSectors[k]);
-      }
+    std::array<std::uint8_t, kCellPlaybackBytes> entry{};
+    if (!read_entry(Format("c_pbit_cell%03d_", {n}), CellPlaybackLayout(), ByteWriter(entry))) {
+      break;
     }
     a.cell_playback.push_back(entry);
   }
