@@ -194,9 +194,20 @@ std::uint64_t TableEnd(ByteView ifo, const char* name, std::uint32_t sector) {
   return std::uint64_t{sector} * 2048 + ea + 1;
 }
 
-void AddTable(std::vector<TableLocation>& tables, ByteView ifo, const char* name,
-              std::uint32_t sector) {
-  tables.push_back({name, sector, sector == 0 ? 0 : TableEnd(ifo, name, sector)});
+// A table and the information table's key of its start sector.
+struct NamedTable {
+  const char* name;
+  const char* key;
+};
+
+std::vector<TableLocation> LocateTables(ByteView ifo, std::span<const FieldDesc> layout,
+                                        std::span<const NamedTable> names) {
+  std::vector<TableLocation> tables;
+  for (const NamedTable& t : names) {
+    std::uint32_t sector = DiscValue(ifo, layout, t.key);
+    tables.push_back({t.name, sector, sector == 0 ? 0 : TableEnd(ifo, t.name, sector)});
+  }
+  return tables;
 }
 
 StreamDeclarations MenuStreams(ByteView ifo, std::span<const FieldDesc> layout,
@@ -281,18 +292,14 @@ void ReadVideoManager(ByteView ifo, VideoManager& vmg) {
   vmg.first_play_at = DiscValue(ifo, layout, "fp_pgci_sa");
   vmg.menu_vobs_at = DiscValue(ifo, layout, "vmgm_vobs_sa");
   vmg.menu = MenuStreams(ifo, layout, "vmgm");
-  struct Named {
-    const char* name;
-    const char* key;
-  };
-  constexpr Named kTables[] = {{"TT_SRPT", "tt_srpt_sa"},
-                               {"VMGM_PGCI_UT", "vmgm_pgci_ut_sa"},
-                               {"PTL_MAIT", "ptl_mait_sa"},
-                               {"VTS_ATRT", "vts_atrt_sa"},
-                               {"TXTDT_MG", "txtdt_mg_sa"},
-                               {"VMGM_C_ADT", "vmgm_c_adt_sa"},
-                               {"VMGM_VOBU_ADMAP", "vmgm_vobu_admap_sa"}};
-  for (const Named& t : kTables) AddTable(vmg.tables, ifo, t.name, DiscValue(ifo, layout, t.key));
+  constexpr NamedTable kTables[] = {{"TT_SRPT", "tt_srpt_sa"},
+                                    {"VMGM_PGCI_UT", "vmgm_pgci_ut_sa"},
+                                    {"PTL_MAIT", "ptl_mait_sa"},
+                                    {"VTS_ATRT", "vts_atrt_sa"},
+                                    {"TXTDT_MG", "txtdt_mg_sa"},
+                                    {"VMGM_C_ADT", "vmgm_c_adt_sa"},
+                                    {"VMGM_VOBU_ADMAP", "vmgm_vobu_admap_sa"}};
+  vmg.tables = LocateTables(ifo, layout, kTables);
   if (vmg.first_play_at != 0) vmg.first_play = ReadPgc(ifo, vmg.first_play_at, 1, 0);
 
   ByteView tt = TableAt(ifo, vmg.tables[0].start_sector);
@@ -351,16 +358,12 @@ void ReadTitleSetIfo(ByteView ifo, TitleSet& ts) {
     ts.title.subpictures.push_back(
         DecodeSubpictureAttributes(DiscFieldBytes(ifo, layout, "vts_spst_atrt%02d", i)));
   }
-  struct Named {
-    const char* name;
-    const char* key;
-  };
-  constexpr Named kTables[] = {
+  constexpr NamedTable kTables[] = {
       {"VTS_PTT_SRPT", "vts_ptt_srpt_sa"}, {"VTS_PGCIT", "vts_pgcit_sa"},
       {"VTSM_PGCI_UT", "vtsm_pgci_ut_sa"}, {"VTS_TMAPT", "vts_tmapt_sa"},
       {"VTSM_C_ADT", "vtsm_c_adt_sa"},     {"VTSM_VOBU_ADMAP", "vtsm_vobu_admap_sa"},
       {"VTS_C_ADT", "vts_c_adt_sa"},       {"VTS_VOBU_ADMAP", "vts_vobu_admap_sa"}};
-  for (const Named& t : kTables) AddTable(ts.tables, ifo, t.name, DiscValue(ifo, layout, t.key));
+  ts.tables = LocateTables(ifo, layout, kTables);
   ts.parts = ReadParts(TableAt(ifo, ts.tables[0].start_sector), ts.declared_titles);
   ByteView pgcit = TableAt(ifo, ts.tables[1].start_sector);
   if (pgcit.size() != 0) ts.pgcs = ReadChainBlock(pgcit);

@@ -7,15 +7,11 @@ namespace tarvex {
 
 namespace {
 
+// A big-endian number read as a decimal value; nothing reports these fields line by line.
 constexpr FieldDesc Number(const char* key, std::uint16_t offset, std::uint16_t width) {
-  return {.key = key,
-          .offset = offset,
-          .width = width,
-          .store = width == 1   ? Store::kU8
-                   : width == 2 ? Store::kBe16
-                                : Store::kBe32,
-          .form = SourceForm::kDecimal,
-          .load = LoadRule::kDecimal};
+  FieldDesc field = DecimalNumber(key, offset, width, nullptr);
+  field.style = ReportStyle::kNone;
+  return field;
 }
 
 constexpr FieldDesc Bytes(const char* key, std::uint16_t offset, std::uint16_t width) {
