@@ -171,6 +171,8 @@ CASES = {
     'nav-previous-vobu': ('record 77: previous VOBU 47 -> 46 sectors back',
                           lambda d: d.patch('VTS_01_1.VOB', record(77, DSI + 234 + 84),
                                             be32(0x80000000 | 46))),
+    'button-command': ('VTS_01_0.VOB record 0: button 1 jumps to title 5 of the title set',
+                       lambda d: d.patch('VTS_01_0.VOB', record(0, PCI + 142 + 10 + 5), [5])),
     'nav-cell': ('record 470 (in cell 2): vobu_c_idn 2 -> 3',
                  lambda d: d.patch('VTS_01_1.VOB', record(470, DSI + 27), [3])),
     'vobu-length': ('record 30: vobu_e_ptm 1.11 s after vobu_s_ptm', vobu_length),

@@ -19,6 +19,63 @@ struct ChainScope {
   const StreamDeclarations* streams = nullptr;
 };
 
+}  // namespace
+
+std::optional<std::string> CommandTargetProblem(const CommandScope& scope, const Pgc& pgc,
+                                                const NavCommand& b) {
+  std::uint8_t group = b[0] >> 4, subtype = b[1] & 0x0F;
+  if ((b[1] >> 4) != 0) return std::nullopt;  // a comparison first: not followed here
+  std::size_t titles_in_set = scope.title_set ? scope.title_set->parts.size() : 0;
+  if (group == 2) {
+    std::uint32_t pgcn = ((b[6] & 0x7Fu) << 8) | b[7];
+    if (subtype == 4 && (pgcn == 0 || pgcn > scope.chains_in_block)) {
+      return Format("links to program chain %d, there are %d", {pgcn, scope.chains_in_block});
+    }
+    if (subtype == 6 && ((b[7] & 0x7F) == 0 || (b[7] & 0x7Fu) > pgc.declared_programs)) {
+      return Format("links to program %d, the chain has %d", {b[7] & 0x7F, pgc.declared_programs});
+    }
+    if (subtype == 7 && (b[7] == 0 || b[7] > pgc.declared_cells)) {
+      return Format("links to cell %d, the chain has %d", {b[7], pgc.declared_cells});
+    }
+    return std::nullopt;
+  }
+  if (group != 3) return std::nullopt;
+  std::size_t titles = scope.disc.vmg.titles.size();
+  if (subtype == 2 && (b[5] == 0 || b[5] > titles)) {
+    return Format("jumps to title %d, the disc has %d", {b[5], titles});
+  }
+  if ((subtype == 3 || subtype == 5) && scope.title_set != nullptr) {
+    if (b[5] == 0 || b[5] > titles_in_set) {
+      return Format("jumps to title %d of the title set, which has %d", {b[5], titles_in_set});
+    }
+    std::uint32_t part = ((b[2] & 0x03u) << 8) | b[3];
+    std::size_t parts = scope.title_set->parts[b[5] - 1].size();
+    if (subtype == 5 && (part == 0 || part > parts)) {
+      return Format("jumps to part %d of title %d, which has %d", {part, b[5], parts});
+    }
+  }
+  if (subtype == 6 && (b[5] >> 6) == 2) {
+    const TitleSet* target = scope.disc.FindTitleSet(b[4]);
+    if (target == nullptr) {
+      return Format("jumps to title set %d, which the disc does not have", {b[4]});
+    }
+    if (b[3] == 0 || b[3] > target->parts.size()) {
+      return Format("jumps to title %d of title set %d, which has %d",
+                    {b[3], b[4], target->parts.size()});
+    }
+  }
+  if ((subtype == 6 || subtype == 8) && (b[5] >> 6) == 3) {
+    std::uint32_t pgcn = ((b[2] & 0x7Fu) << 8) | b[3];
+    std::size_t vmgm = scope.disc.vmg.menus.empty() ? 0 : scope.disc.vmg.menus.front().pgcs.size();
+    if (pgcn == 0 || pgcn > vmgm) {
+      return Format("goes to video manager menu chain %d, there are %d", {pgcn, vmgm});
+    }
+  }
+  return std::nullopt;
+}
+
+namespace {
+
 class ChainChecker {
  public:
   ChainChecker(const ChainScope& scope, const Pgc& pgc, Findings& out)
@@ -120,59 +177,9 @@ class ChainChecker {
     }
   }
 
-  // The target a link or jump command names, checked against what exists. Only the link and
-  // jump groups carry targets of their own.
   void Command(const char* kind, std::size_t n, const NavCommand& b) {
-    std::uint8_t group = b[0] >> 4, subtype = b[1] & 0x0F;
-    if ((b[1] >> 4) != 0) return;  // compare and link: targets as below, read elsewhere
-    std::string where = Format("%s command %d: ", {kind, n});
-    auto fail = [&](const std::string& text) { Report("pgc.command", where + text); };
-    std::size_t titles_in_set = s_.title_set ? s_.title_set->parts.size() : 0;
-    if (group == 2) {
-      std::uint32_t pgcn = ((b[6] & 0x7Fu) << 8) | b[7];
-      if (subtype == 4 && (pgcn == 0 || pgcn > s_.chains_in_block)) {
-        fail(Format("links to program chain %d, there are %d", {pgcn, s_.chains_in_block}));
-      }
-      if (subtype == 6 && ((b[7] & 0x7F) == 0 || (b[7] & 0x7Fu) > pgc_.declared_programs)) {
-        fail(
-            Format("links to program %d, the chain has %d", {b[7] & 0x7F, pgc_.declared_programs}));
-      }
-      if (subtype == 7 && (b[7] == 0 || b[7] > pgc_.declared_cells)) {
-        fail(Format("links to cell %d, the chain has %d", {b[7], pgc_.declared_cells}));
-      }
-      return;
-    }
-    if (group != 3) return;
-    std::size_t titles = s_.disc.vmg.titles.size();
-    if (subtype == 2 && (b[5] == 0 || b[5] > titles)) {
-      fail(Format("jumps to title %d, the disc has %d", {b[5], titles}));
-    }
-    if ((subtype == 3 || subtype == 5) && s_.title_set != nullptr &&
-        (b[5] == 0 || b[5] > titles_in_set)) {
-      fail(Format("jumps to title %d of the title set, which has %d", {b[5], titles_in_set}));
-    } else if (subtype == 5 && s_.title_set != nullptr) {
-      std::uint32_t part = ((b[2] & 0x03u) << 8) | b[3];
-      std::size_t parts = s_.title_set->parts[b[5] - 1].size();
-      if (part == 0 || part > parts) {
-        fail(Format("jumps to part %d of title %d, which has %d", {part, b[5], parts}));
-      }
-    }
-    if (subtype == 6 && (b[5] >> 6) == 2) {
-      const TitleSet* target = s_.disc.FindTitleSet(b[4]);
-      if (target == nullptr) {
-        fail(Format("jumps to title set %d, which the disc does not have", {b[4]}));
-      } else if (b[3] == 0 || b[3] > target->parts.size()) {
-        fail(Format("jumps to title %d of title set %d, which has %d",
-                    {b[3], b[4], target->parts.size()}));
-      }
-    }
-    if ((subtype == 6 || subtype == 8) && (b[5] >> 6) == 3) {
-      std::uint32_t pgcn = ((b[2] & 0x7Fu) << 8) | b[3];
-      std::size_t vmgm = s_.disc.vmg.menus.empty() ? 0 : s_.disc.vmg.menus.front().pgcs.size();
-      if (pgcn == 0 || pgcn > vmgm) {
-        fail(Format("goes to video manager menu chain %d, there are %d", {pgcn, vmgm}));
-      }
-    }
+    auto problem = CommandTargetProblem({s_.disc, s_.chains_in_block, s_.title_set}, pgc_, b);
+    if (problem) Report("pgc.command", Format("%s command %d: ", {kind, n}) + *problem);
   }
 
   void Commands() {

@@ -16,6 +16,7 @@ constexpr std::size_t kBlockRecords = 512;      // 1 MiB reads
 constexpr std::uint32_t kMaxMuxRate = 25200;    // 10.08 Mbit/s in units of 50 bytes/s
 constexpr std::uint32_t kMinVobuTicks = 36000;  // 0.4 s at 90 kHz
 constexpr std::uint32_t kMaxVobuTicks = 90000;  // 1.0 s
+constexpr std::uint32_t kMaxButtons = 36;       // button entries of a PCI
 
 std::uint64_t ScrTicks(ByteView pack) {
   std::uint64_t b4 = pack.u8(4), b5 = pack.u8(5), b6 = pack.u8(6), b7 = pack.u8(7), b8 = pack.u8(8),
@@ -110,11 +111,27 @@ class VobSetScanner {
     }
     if (nav) {
       NavPack(sector, file, record, *nav);
+      Buttons(file, record, *nav, pack);
     } else if (type == kSectorIllegal) {
       out_.AtRecord("vob.pack", file, record,
                     Format("a pack of no DVD-Video stream (start code %08x)", {pack.be32(14)}));
     } else if (type != kSectorPadding) {
       Present(stream & 0xFF, file, record);
+    }
+  }
+
+  // The distinct button commands of each cell, for the checks of their targets.
+  void Buttons(const std::string& file, std::uint64_t record, const NavPackFields& f,
+               ByteView pack) {
+    std::uint32_t count = std::min<std::uint32_t>(f.buttons, kMaxButtons);
+    for (std::uint32_t b = 0; b < count; ++b) {
+      if (presence_.buttons.size() >= StreamPresence::kMaxButtonCommands) return;
+      ByteView bytes = NavButtonCommand(pack, b);
+      NavCommand command{};
+      for (std::size_t k = 0; k < command.size(); ++k) command[k] = bytes.u8(k);
+      std::pair<std::uint16_t, std::uint8_t> cell{f.vob_id, f.cell_id};
+      if (!seen_buttons_.insert({cell, command}).second) continue;
+      presence_.buttons.push_back({cell, file, record, b + 1, command});
     }
   }
 
@@ -234,6 +251,7 @@ class VobSetScanner {
   std::optional<NavSeen> previous_;
   std::optional<std::pair<std::uint16_t, std::uint8_t>> cell_;
   std::optional<std::uint64_t> last_scr_;
+  std::set<std::pair<std::pair<std::uint16_t, std::uint8_t>, NavCommand>> seen_buttons_;
 };
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "disc/findings.h"
 #include "disc/model.h"
@@ -25,6 +26,26 @@ struct VobSetNames {
   std::set<std::pair<std::uint16_t, std::uint8_t>> interleaved;
 };
 
+// What a navigation command of a chain can reach.
+struct CommandScope {
+  const Disc& disc;
+  std::size_t chains_in_block;  // chains a link can name (its table or language unit)
+  const TitleSet* title_set;    // the title set of the domain, if any
+};
+// What is wrong with the target a link or jump command names, or nothing (commands of the
+// other groups carry no target of their own).
+std::optional<std::string> CommandTargetProblem(const CommandScope& scope, const Pgc& pgc,
+                                                const NavCommand& command);
+
+// A button command of a navigation pack, as first found in the VOBs.
+struct ButtonCommand {
+  std::pair<std::uint16_t, std::uint8_t> cell;
+  std::string file;
+  std::uint64_t record = 0;
+  std::uint32_t button = 0;  // from 1
+  NavCommand command{};
+};
+
 // What one pass over a VOB set found: the streams of each cell, where each stream was first
 // seen.
 struct StreamPresence {
@@ -36,6 +57,10 @@ struct StreamPresence {
   };
   std::array<std::optional<Where>, 256> first_seen;
   bool scanned = false;
+  // Each distinct button command of each cell, with where it was first seen (at most
+  // kMaxButtonCommands in all).
+  std::vector<ButtonCommand> buttons;
+  static constexpr std::size_t kMaxButtonCommands = 4096;
 };
 
 void CheckFiles(const Disc& disc, Findings& out);

@@ -68,6 +68,9 @@ constexpr CheckInfo kChecks[] = {
     {"nav.cell", E,
      "a navigation pack whose VOB and cell ids are not the cell that the cell address table "
      "puts there"},
+    {"nav.button-command", E,
+     "a button command of a navigation pack whose target (title, chain, program, cell, part) "
+     "does not exist"},
     {"nav.vobu-length", W, "a VOBU shorter than 0.4 s or longer than 1.0 s (stills excepted)"},
     // Packs.
     {"vob.pack", E, "a record that is not an MPEG-2 pack of a DVD-Video stream"},

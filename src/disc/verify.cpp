@@ -32,21 +32,51 @@ std::set<std::pair<std::uint16_t, std::uint8_t>> InterleavedCells(
   return cells;
 }
 
-std::vector<const Pgc*> MenuChains(const std::vector<LanguageUnit>& units) {
-  std::vector<const Pgc*> chains;
+// A chain of a VOB set's domain with the number of chains its links can name.
+struct ChainRef {
+  const Pgc* pgc;
+  std::size_t chains_in_block;
+};
+
+std::vector<ChainRef> MenuChains(const std::vector<LanguageUnit>& units) {
+  std::vector<ChainRef> chains;
   for (const LanguageUnit& unit : units) {
-    for (const Pgc& pgc : unit.pgcs) chains.push_back(&pgc);
+    for (const Pgc& pgc : unit.pgcs) chains.push_back({&pgc, unit.pgcs.size()});
   }
   return chains;
 }
 
+// Button commands against what their chain's domain holds: one finding per distinct command
+// of a cell, at the record where it was first seen.
+void CheckButtons(const Disc& disc, const std::vector<ChainRef>& chains, const TitleSet* ts,
+                  const StreamPresence& found, Findings& out) {
+  for (const ButtonCommand& button : found.buttons) {
+    for (const ChainRef& chain : chains) {
+      bool plays = false;
+      for (const Cell& c : chain.pgc->cells)
+        plays = plays || (c.vob_id == button.cell.first && c.cell_id == button.cell.second);
+      if (!plays) continue;
+      auto problem =
+          CommandTargetProblem({disc, chain.chains_in_block, ts}, *chain.pgc, button.command);
+      if (problem) {
+        out.AtRecord("nav.button-command", button.file, button.record,
+                     Format("button %d: ", {button.button}) + *problem);
+      }
+      break;
+    }
+  }
+}
+
 void ScanSet(const Disc& disc, const VobSet& set, VobSetNames names,
-             const std::vector<const Pgc*>& chains, const StreamDeclarations& declared,
-             Findings& out) {
+             const std::vector<ChainRef>& chains, const TitleSet* ts,
+             const StreamDeclarations& declared, Findings& out) {
   if (set.parts.empty()) return;
-  names.interleaved = InterleavedCells(chains);
+  std::vector<const Pgc*> pgcs;
+  for (const ChainRef& chain : chains) pgcs.push_back(chain.pgc);
+  names.interleaved = InterleavedCells(pgcs);
   StreamPresence found = ScanVobSet(disc, set, names, out);
-  CheckStreams(disc, chains, declared, found, names, out);
+  CheckButtons(disc, chains, ts, found, out);
+  CheckStreams(disc, pgcs, declared, found, names, out);
 }
 
 }  // namespace
@@ -65,20 +95,23 @@ VerifyResult VerifyDisc(const Disc& disc, const VerifyOptions& options) {
   CheckAddressTables(disc, out);
   CheckChains(disc, out);
   if (!options.ifo_only) {
-    std::vector<const Pgc*> vmgm = MenuChains(disc.vmg.menus);
-    if (disc.vmg.first_play) vmgm.push_back(&*disc.vmg.first_play);
+    std::vector<ChainRef> vmgm = MenuChains(disc.vmg.menus);
+    if (disc.vmg.first_play) {
+      vmgm.push_back(
+          {&*disc.vmg.first_play, disc.vmg.menus.empty() ? 0 : disc.vmg.menus.front().pgcs.size()});
+    }
     ScanSet(disc, disc.vmg.menu_vobs,
-            {"VIDEO_TS.IFO", "VMGM_C_ADT", "VMGM_VOBU_ADMAP", "VMGM_PGCI_UT", {}}, vmgm,
+            {"VIDEO_TS.IFO", "VMGM_C_ADT", "VMGM_VOBU_ADMAP", "VMGM_PGCI_UT", {}}, vmgm, nullptr,
             disc.vmg.menu, out);
     for (const TitleSet& ts : disc.title_sets) {
       if (!ts.present) continue;
       ScanSet(disc, ts.menu_vobs,
               {ts.ifo_name, "VTSM_C_ADT", "VTSM_VOBU_ADMAP", "VTSM_PGCI_UT", {}},
-              MenuChains(ts.menus), ts.menu, out);
-      std::vector<const Pgc*> titles;
-      for (const Pgc& pgc : ts.pgcs) titles.push_back(&pgc);
+              MenuChains(ts.menus), &ts, ts.menu, out);
+      std::vector<ChainRef> titles;
+      for (const Pgc& pgc : ts.pgcs) titles.push_back({&pgc, ts.pgcs.size()});
       ScanSet(disc, ts.title_vobs, {ts.ifo_name, "VTS_C_ADT", "VTS_VOBU_ADMAP", "VTS_PGCIT", {}},
-              titles, ts.title, out);
+              titles, &ts, ts.title, out);
     }
   }
   out.Finish();

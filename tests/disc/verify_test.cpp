@@ -130,6 +130,7 @@ const std::vector<Case>& Cases() {
       {"nav-vobu-end", {AtRecord("nav.vobu-end", kVob, 30)}},
       {"nav-next-vobu", {AtRecord("nav.next-vobu", kVob, 30)}},
       {"nav-previous-vobu", {AtRecord("nav.previous-vobu", kVob, 77)}},
+      {"button-command", {AtRecord("nav.button-command", "VTS_01_0.VOB", 0)}},
       {"nav-cell", {AtRecord("nav.cell", kVob, 470)}},
       {"vobu-length", {AtRecord("nav.vobu-length", kVob, 30)}},
       {"mux-rate", {AtRecord("vob.mux-rate", kVob, 40)}},
