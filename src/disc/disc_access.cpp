@@ -351,6 +351,9 @@ std::unique_ptr<DiscAccess> OpenDisc(const std::string& path, std::string& error
     error = "not a folder or an image file";
     return nullptr;
   }
+#ifdef POSIX_FADV_SEQUENTIAL
+  posix_fadvise(fd, 0, 0, POSIX_FADV_SEQUENTIAL);  // the VOBs are read from start to end
+#endif
   auto input = std::make_unique<ImageInput>();
   input->fd = fd;
   input->blocks = static_cast<std::uint32_t>(
