@@ -73,8 +73,12 @@ run cat-iso sh -c 'cat "$1" > /dev/null' sh "$work/disc.iso"
 run verify "$cli" verify "$disc"
 run iso "$cli" verify "$work/disc.iso"
 run ifo-only "$cli" verify --ifo-only "$disc"
+# /usr/bin/time counts hundredths of a second: --ifo-only is timed again over 50 runs.
+t0=$(date +%s%N)
+for ((r = 0; r < 50; r++)); do "$cli" verify --ifo-only "$disc" > /dev/null 2>&1; done
+ifo_ms=$(awk -v n=$(( $(date +%s%N) - t0 )) 'BEGIN { printf "%.1f", n / 50 / 1e6 }')
 
-awk -v r="${results[*]}" 'BEGIN {
+awk -v r="${results[*]}" -v ifo_ms="$ifo_ms" 'BEGIN {
   n = split(r, f, " ");
   for (i = 1; i <= n; i += 3) { t[f[i]] = f[i + 1]; m[f[i]] = f[i + 2] }
   printf "verify / cat      = %.2f (goal <= 2)\n", t["verify"] / t["cat"];
@@ -82,5 +86,5 @@ awk -v r="${results[*]}" 'BEGIN {
   printf "iso / folder      = %.2f (goal <= 1.2)\n", t["iso"] / t["verify"];
   printf "iso / cat of iso  = %.2f\n", t["iso"] / t["cat-iso"];
   printf "iso peak          = %.1f MB\n", m["iso"] / 1024;
-  printf "--ifo-only        = %.0f ms (goal < 50)\n", t["ifo-only"] * 1000;
+  printf "--ifo-only        = %s ms a run, process start included (goal < 50)\n", ifo_ms;
 }'
