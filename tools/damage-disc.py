@@ -179,6 +179,8 @@ CASES = {
     'mux-rate': ('record 40: program_mux_rate 25201',
                  lambda d: d.patch('VTS_01_1.VOB', record(40, 10), mux_bytes(25201))),
     'scr-order': ('record 40: SCR 0', lambda d: d.patch('VTS_01_1.VOB', record(40, 4), scr_bytes(0))),
+    'first-pack': ('record 0: the navigation pack becomes a padding pack (00 00 01 BE at 38)',
+                   lambda d: d.patch('VTS_01_1.VOB', record(0, 38), [0, 0, 1, 0xBE])),
     'vob-pack': ('record 100: no pack start code',
                  lambda d: d.patch('VTS_01_1.VOB', record(100), bytes(4))),
     'stream-missing': ('title chain: audio stream 2 (LPCM) plays as stream number 3',

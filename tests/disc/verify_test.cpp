@@ -135,6 +135,12 @@ const std::vector<Case>& Cases() {
       {"vobu-length", {AtRecord("nav.vobu-length", kVob, 30)}},
       {"mux-rate", {AtRecord("vob.mux-rate", kVob, 40)}},
       {"scr-order", {AtRecord("vob.scr-order", kVob, 40)}},
+      // The set starts without its navigation pack: VOBU 1 of the map is no navigation pack,
+      // and the pack at 30 points back to a VOBU that is not there.
+      {"first-pack",
+       {AtRecord("vob.first-pack", kVob, 0),
+        AtTable("vobu_admap.navpacks", kVts, "VTS_VOBU_ADMAP", 1),
+        AtRecord("nav.previous-vobu", kVob, 30)}},
       {"vob-pack", {AtRecord("vob.pack", kVob, 100)}},
       // 0xA3 is nowhere; 0xA1, first at record 3, is no longer played by any stream.
       {"stream-missing",
@@ -164,6 +170,38 @@ TEST(Verify, EachDamageGivesExactlyItsFindings) {
     VerifyResult r = Verify(disc);
     EXPECT_EQ(Found(r), c.findings) << Lines(r);
   }
+}
+
+// The sample as a disc whose title VOB claims 1 GiB and one record (only its size is read:
+// the IFO checks need no more).
+class OversizedVob final : public DiscAccess {
+ public:
+  OversizedVob() {
+    std::string error;
+    inner_ = OpenDisc(test::SampleDisc(), error);
+    files_ = inner_->files();
+    for (DiscFileEntry& f : files_) {
+      if (f.name == "VTS_01_1.VOB") f.size = (1ull << 30) + 2048;
+    }
+  }
+  const char* kind() const override { return "folder"; }
+  const std::vector<DiscFileEntry>& files() const override { return files_; }
+  std::unique_ptr<DiscFile> Open(const std::string& name) override { return inner_->Open(name); }
+
+ private:
+  std::unique_ptr<DiscAccess> inner_;
+  std::vector<DiscFileEntry> files_;
+};
+
+TEST(Verify, VobOverOneGibibyte) {
+  std::string error;
+  std::optional<Disc> disc = LoadDisc(std::make_shared<OversizedVob>(), "big", error);
+  ASSERT_TRUE(disc) << error;
+  VerifyResult r = VerifyDisc(*disc, {.ifo_only = true});
+  // The title set's end address no longer matches its VOBs either.
+  EXPECT_EQ(Found(r), (std::vector<Expected>{AtFile("file.vob-size", kVob),
+                                             AtTable("ifo.end-address", kVts, "VTSI_MAT")}))
+      << Lines(r);
 }
 
 TEST(Verify, EveryDamageCaseIsTested) {
