@@ -33,10 +33,14 @@ int Run(int argc, char** argv) {
       "tarvex-cli: inspect DVD-Video files without a window.\n"
       "\n"
       "Works on program streams (*.VOB, *.M2P), IFO files (*.IFO) and sub-picture files\n"
-      "(*.SUP), with the same analysis as the desktop tool. Each command does what the\n"
-      "desktop command of the same name does, then prints the report list as it stands\n"
-      "afterwards to standard output, one line per report line. Message boxes go to\n"
-      "standard error, one line each, as \"caption: text\".\n"
+      "(*.SUP), with the same analysis as the desktop tool. Each of these commands does\n"
+      "what the desktop command of the same name does, then prints the report list as it\n"
+      "stands afterwards to standard output, one line per report line. Message boxes go\n"
+      "to standard error, one line each, as \"caption: text\".\n"
+      "\n"
+      "info and verify work on a whole disc (a VIDEO_TS folder, the folder that holds one,\n"
+      "or an ISO image): what is on it, and whether its IFOs agree with each other and\n"
+      "with the packs in its VOBs. They, and list --json, can print JSON for scripts.\n"
       "\n"
       "A FILE argument stands for the file the open chooser would return (a relative path\n"
       "is made absolute). Opening remembers the file's folder in the suite configuration\n"
@@ -72,11 +76,14 @@ int Run(int argc, char** argv) {
       "  1  the command ran and showed at least one message box (error, warning or\n"
       "     question); a file that cannot be opened counts here\n"
       "  2  usage error: unknown command or option, missing argument, bad number\n"
+      "info and verify, which read a whole disc, have their own: see their --help.\n"
       "\n"
       "Examples:\n"
       "  tarvex-cli open VIDEO_TS/VTS_01_1.VOB\n"
       "  tarvex-cli list VIDEO_TS/VTS_01_1.VOB 32 48\n"
-      "  tarvex-cli details VIDEO_TS/VTS_01_1.VOB 0");
+      "  tarvex-cli details VIDEO_TS/VTS_01_1.VOB 0\n"
+      "  tarvex-cli info disc/ --json\n"
+      "  tarvex-cli verify disc.iso");
 
   AddStreamCommands(app, session);
   AddExtractCommands(app, session);
