@@ -62,10 +62,12 @@ void CheckVideoManagerAddresses(const Disc& disc, Findings& out) {
         Format("VMGI_EA %d, but the IFO has %s sectors (expected %s)",
                {vmg.vmgi_ea, std::to_string(ifo_sectors), std::to_string(ifo_sectors - 1)}));
   }
+  // The video manager may end later than its files (authoring tools leave room that the
+  // mastering fills), never earlier.
   std::uint64_t expected_ea = 2 * ifo_sectors + menu - 1;
-  if (vmg.vmg_ea != expected_ea) {
+  if (vmg.vmg_ea < expected_ea) {
     out.AtTable("ifo.end-address", file, "VMGI_MAT", 0,
-                Format("VMG_EA %d, but IFO, menu VOB and BUP end at sector %s",
+                Format("VMG_EA %d, but IFO, menu VOB and BUP need sectors 0 to %s",
                        {vmg.vmg_ea, std::to_string(expected_ea)}));
   }
   if (!vmg.menu_vobs.parts.empty() && vmg.menu_vobs_at != ifo_sectors) {
@@ -89,9 +91,9 @@ void CheckTitleSetAddresses(const TitleSet& ts, Findings& out) {
                        {ts.vtsi_ea, std::to_string(ifo_sectors), std::to_string(ifo_sectors - 1)}));
   }
   std::uint64_t expected_ea = 2 * ifo_sectors + menu + titles - 1;
-  if (ts.vts_ea != expected_ea) {
+  if (ts.vts_ea < expected_ea) {
     out.AtTable("ifo.end-address", ts.ifo_name, "VTSI_MAT", 0,
-                Format("VTS_EA %d, but IFO, VOBs and BUP end at sector %s",
+                Format("VTS_EA %d, but IFO, VOBs and BUP need sectors 0 to %s",
                        {ts.vts_ea, std::to_string(expected_ea)}));
   }
   if (!ts.menu_vobs.parts.empty() && ts.menu_vobs_at != ifo_sectors) {

@@ -53,6 +53,7 @@ class VobSetScanner {
         continue;
       }
       last_scr_.reset();
+      high_mux_packs_ = 0;
       std::uint64_t records = part.size / kRecordBytes;
       for (std::uint64_t r = 0; r < records;) {
         std::size_t want =
@@ -70,6 +71,7 @@ class VobSetScanner {
         }
         r += whole;
       }
+      ReportMuxRate(part.name);
     }
     FinishVobu(set_.sectors, nullptr);
     for (; admap_next_ < set_.vobu_starts.size(); ++admap_next_) MissingNavPack(admap_next_);
@@ -86,9 +88,7 @@ class VobSetScanner {
     std::uint32_t mux =
         (std::uint32_t{pack.u8(10)} << 14) | (std::uint32_t{pack.u8(11)} << 6) | (pack.u8(12) >> 2);
     if (mux > kMaxMuxRate) {
-      out_.AtRecord("vob.mux-rate", file, record,
-                    Format("program_mux_rate %d (%s bit/s), above 25200 (10.08 Mbit/s)",
-                           {mux, std::to_string(std::uint64_t{mux} * 400)}));
+      if (high_mux_packs_++ == 0) high_mux_ = {record, mux};
     }
     std::uint32_t stream = 0;
     std::int32_t type = get_sector_type(pack, stream);
@@ -133,6 +133,16 @@ class VobSetScanner {
       if (!seen_buttons_.insert({cell, command}).second) continue;
       presence_.buttons.push_back({cell, file, record, b + 1, command});
     }
+  }
+
+  // One finding per file: its first pack above the limit, and how many there are.
+  void ReportMuxRate(const std::string& file) {
+    if (high_mux_packs_ == 0) return;
+    out_.AtRecord("vob.mux-rate", file, high_mux_.first,
+                  Format("program_mux_rate %d (%s bit/s), above 25200 (10.08 Mbit/s), in %s "
+                         "packs of this file from here on",
+                         {high_mux_.second, std::to_string(std::uint64_t{high_mux_.second} * 400),
+                          std::to_string(high_mux_packs_)}));
   }
 
   void Present(std::uint32_t id, const std::string& file, std::uint64_t record) {
@@ -251,6 +261,8 @@ class VobSetScanner {
   std::optional<NavSeen> previous_;
   std::optional<std::pair<std::uint16_t, std::uint8_t>> cell_;
   std::optional<std::uint64_t> last_scr_;
+  std::uint64_t high_mux_packs_ = 0;
+  std::pair<std::uint64_t, std::uint32_t> high_mux_;  // the first such pack: record, rate
   std::set<std::pair<std::pair<std::uint16_t, std::uint8_t>, NavCommand>> seen_buttons_;
 };
 

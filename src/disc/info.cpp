@@ -119,6 +119,14 @@ void WriteVideo(JsonWriter& j, const VideoAttributes& v) {
   j.MemberUint("width", v.width).MemberUint("height", v.height);
   j.Key("frame_rate").Decimal(v.frame_rate, 2);
   j.Key("letterboxed").Bool(v.letterboxed);
+  // The display formats a 16:9 picture permits on a 4:3 screen.
+  static constexpr const char* kDisplay[] = {"pan-scan+letterbox", "pan-scan", "letterbox"};
+  j.Key("display_format");
+  if (v.permitted_display < 3) {
+    j.String(kDisplay[v.permitted_display]);
+  } else {
+    j.Null();
+  }
   j.Key("mpeg").Uint(v.mpeg2 ? 2 : 1);
   j.EndObject();
 }

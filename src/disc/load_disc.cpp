@@ -39,13 +39,16 @@ std::optional<std::uint32_t> DiscSector(const Disc& disc, const std::string& nam
 }
 
 // Where each title set starts, counted in sectors from VIDEO_TS.IFO: from the image's own
-// layout when it has one, else as the files would lie one after the other (the order of a
-// DVD-Video disc: the video manager's IFO, menu VOB and BUP, then each title set's IFO, menu
-// VOB, title VOBs and BUP).
+// layout when it has one, else as a mastering tool lays the files out: the video manager's
+// IFO, menu VOB and BUP, then each title set's IFO, menu VOB, title VOBs and BUP, each area
+// as long as its end address says when that is longer than its files (authoring tools may
+// leave room there, which the mastering fills).
 void PlaceTitleSets(Disc& disc) {
   std::optional<std::uint32_t> vmg_sector = DiscSector(disc, "VIDEO_TS.IFO");
-  std::uint64_t next = FileSectors(disc, "VIDEO_TS.IFO") + disc.vmg.menu_vobs.sectors +
-                       FileSectors(disc, "VIDEO_TS.BUP");
+  std::uint64_t next =
+      std::max<std::uint64_t>(FileSectors(disc, "VIDEO_TS.IFO") + disc.vmg.menu_vobs.sectors +
+                                  FileSectors(disc, "VIDEO_TS.BUP"),
+                              std::uint64_t{disc.vmg.vmg_ea} + 1);
   for (TitleSet& ts : disc.title_sets) {
     std::optional<std::uint32_t> sector = DiscSector(disc, ts.ifo_name);
     if (vmg_sector && sector && *sector >= *vmg_sector) {
@@ -53,8 +56,10 @@ void PlaceTitleSets(Disc& disc) {
     } else {
       ts.disc_start = next;
     }
-    next = ts.disc_start + FileSectors(disc, ts.ifo_name) + ts.menu_vobs.sectors +
-           ts.title_vobs.sectors + FileSectors(disc, ts.bup_name);
+    std::uint64_t files = FileSectors(disc, ts.ifo_name) + ts.menu_vobs.sectors +
+                          ts.title_vobs.sectors + FileSectors(disc, ts.bup_name);
+    std::uint64_t declared = ts.present ? std::uint64_t{ts.vts_ea} + 1 : 0;
+    next = ts.disc_start + std::max(files, declared);
   }
 }
 

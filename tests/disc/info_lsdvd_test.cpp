@@ -9,6 +9,7 @@
 #include "disc/disc_test_support.h"
 #include "disc/info.h"
 #include "disc/model.h"
+#include "disc/verify.h"
 
 namespace tarvex {
 namespace {
@@ -119,6 +120,12 @@ void CompareWithLsdvd(const std::string& disc, bool compare_ids) {
     EXPECT_EQ(std::stoi(l.title.at("Width")), j["video"]["width"]);
     EXPECT_EQ(std::stoi(l.title.at("Height")), j["video"]["height"]);
     EXPECT_EQ(std::stoi(l.angles), j["angles"]);
+    const std::string& df = l.title.at("DF");
+    if (df == "?") {
+      EXPECT_TRUE(j["video"]["display_format"].is_null());
+    } else if (df == "Letterbox") {
+      EXPECT_EQ(j["video"]["display_format"], "letterbox");
+    }
     std::string palette;
     for (const json& c : j["palette"]) palette += c.get<std::string>() + " ";
     EXPECT_EQ(l.palette, palette);
@@ -197,6 +204,63 @@ TEST(InfoLsdvd, StreamIdsFollowTheChainsControlNotThePosition) {
   ASSERT_EQ(lsdvd.size(), 1u);
   EXPECT_EQ(lsdvd[0].audio[1].at("Stream id"), "0xa1");  // its guess from the position
   CompareWithLsdvd(disc, false);                         // every other field still agrees
+}
+
+// A disc authored at test time by ffmpeg and dvdauthor, other than the sample: PAL 16:9, two
+// titles in one title set (3 and 2 chapters), two AC-3 streams, a first-play command.
+std::string AuthoredDisc(const test::TempDir& dir) {
+  for (int t = 1; t <= 2; ++t) {
+    std::string command =
+        "ffmpeg -v error -y -f lavfi -i testsrc=size=720x576:rate=25:duration=4 -f lavfi -i "
+        "sine=frequency=440:duration=4 -f lavfi -i sine=frequency=880:duration=4 -map 0:v "
+        "-map 1:a -map 2:a -c:v mpeg2video -b:v 3M -aspect 16:9 -g 12 -c:a ac3 -b:a 128k "
+        "-ar 48000 -muxrate 10080000 -packetsize 2048 -f dvd " +
+        test::ShellQuote(dir.file("t" + std::to_string(t) + ".mpg")) + " 2>&1";
+    test::CaptureCommand(command);
+  }
+  test::WriteFileBytes(dir.file("disc.xml"), [] {
+    std::string xml = R"(<dvdauthor dest="out">
+  <vmgm><menus><video format="pal" aspect="16:9"/></menus><fpc>jump title 2;</fpc></vmgm>
+  <titleset>
+    <titles>
+      <video format="pal" aspect="16:9" widescreen="nopanscan"/>
+      <audio lang="en"/><audio lang="de"/>
+      <pgc><vob file="t1.mpg" chapters="0,1,2"/><post>jump title 2;</post></pgc>
+      <pgc><vob file="t2.mpg" chapters="0,2"/><post>call vmgm menu;</post></pgc>
+    </titles>
+  </titleset>
+</dvdauthor>
+)";
+    return std::vector<std::uint8_t>(xml.begin(), xml.end());
+  }());
+  test::CaptureCommand("cd " + test::ShellQuote(dir.path()) + " && dvdauthor -x disc.xml 2>&1");
+  return dir.file("out");
+}
+
+TEST(InfoLsdvd, DiscAuthoredByDvdauthorAgreesVerifiesCleanAndReadsTheSameFromItsImage) {
+  if (!test::HaveTool("ffmpeg") || !test::HaveTool("dvdauthor") || !HaveLsdvd() ||
+      !test::HaveTool("genisoimage")) {
+    GTEST_SKIP() << "ffmpeg, dvdauthor, lsdvd and genisoimage are needed";
+  }
+  test::TempDir dir;
+  std::string disc = AuthoredDisc(dir);
+  CompareWithLsdvd(disc, true);
+  json j = Info(disc);
+  ASSERT_EQ(j["titles"].size(), 2u);
+  EXPECT_EQ(j["titles"][1]["chapters"].size(), 2u);
+  EXPECT_EQ(j["titles"][0]["video"]["aspect"], "16:9");
+  std::string error;
+  std::optional<Disc> d = LoadDisc(disc, error);
+  ASSERT_TRUE(d) << error;
+  VerifyResult r = VerifyDisc(*d);
+  EXPECT_TRUE(r.findings.empty()) << VerifyText(r);
+  std::string iso = dir.file("disc.iso");
+  test::CaptureCommand("genisoimage -quiet -dvd-video -o " + test::ShellQuote(iso) + " " +
+                       test::ShellQuote(disc) + " 2>&1");
+  json from_iso = Info(iso);
+  from_iso.erase("disc");
+  j.erase("disc");
+  EXPECT_EQ(from_iso, j);
 }
 
 }  // namespace
