@@ -17,6 +17,7 @@ constexpr std::uint32_t kMaxMuxRate = 25200;    // 10.08 Mbit/s in units of 50 b
 constexpr std::uint32_t kMinVobuTicks = 36000;  // 0.4 s at 90 kHz
 constexpr std::uint32_t kMaxVobuTicks = 90000;  // 1.0 s
 constexpr std::uint32_t kMaxButtons = 36;       // button entries of a PCI
+constexpr std::size_t kMaxCells = 65536;        // VOB id and cell id pairs kept
 
 std::uint64_t ScrTicks(ByteView pack) {
   std::uint64_t b4 = pack.u8(4), b5 = pack.u8(5), b6 = pack.u8(6), b7 = pack.u8(7), b8 = pack.u8(8),
@@ -146,7 +147,11 @@ class VobSetScanner {
   }
 
   void Present(std::uint32_t id, const std::string& file, std::uint64_t record) {
-    if (cell_) presence_.cells[*cell_].set(id);
+    // A damaged stream can name a new cell in every pack: the cells kept are bounded, so is
+    // the memory (streams of further cells still count for the whole set).
+    if (cell_ && (presence_.cells.size() < kMaxCells || presence_.cells.count(*cell_) != 0)) {
+      presence_.cells[*cell_].set(id);
+    }
     presence_.all.set(id);
     if (!presence_.first_seen[id]) presence_.first_seen[id] = StreamPresence::Where{file, record};
   }
