@@ -77,7 +77,7 @@ TEST(IfoSampleDiscTest, VideoManagerDetails) {
       "VMG Identifier: DVDVIDEO-VMG",  // byte 12 (first byte of vmg_ea) is 0
       "End address of VMG: 39",        // 0x00000027
       "End address of VMGI: 5",
-      "Format version number: 1.1",  // version 1.1: byte 33 = 0x11
+      "Specification version number: 1.1",  // version 1.1: byte 33 = 0x11
       "VMG Category: 0",
       "VMG Number of Vols: 1 This Vol: 1 Disk side ID: 1",  // 0001 0001 0100
       "VMG Number of Title Sets: 1",
@@ -150,7 +150,7 @@ TEST(IfoSampleDiscTest, TitleSetDetails) {
                            std::string("VTS Identifier: DVDVIDEO-VTS\x0b\x05"),
                            "End address of VTS: 1291",
                            "End address of VTSI: 8",
-                           "Format version number: 1.1",  // the disc's version field, vern
+                           "Specification version number: 1.1",  // the disc's version field, vern
                            "VTS Category: 00000000",
                            "End byte address of VTSI_MAT: 2047",
                            "Start sector address of VTSM_VOBS: 9",
