@@ -41,7 +41,7 @@ struct OpenFileState {
   std::int32_t scroll_page = 0;
 };
 
-// Listing and view modes, and the stream number left behind by get_sector_type.
+// Listing and view modes, and the stream number left behind by GetSectorType.
 struct StreamState {
   std::uint32_t stream_number = 0;
   std::int32_t thumb_moved = 0;

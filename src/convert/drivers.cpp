@@ -126,7 +126,7 @@ void DisassembleIfo(AppContext& ctx) {
   request.filter = kSourceFilter;
   request.initial_dir = HomeDirectory();
   request.default_name = ReplaceExtension(ctx.open.file_path, "INI");
-  request.flags = kOfnHideReadOnly | kOfnPathMustExist;
+  request.flags = kChooserHideReadOnly | kChooserPathMustExist;
   std::optional<std::string> chosen = ctx.ui.ChooseSaveFile(request);
   if (!chosen) return;
   ctx.convert.source_path = *chosen;
@@ -138,12 +138,12 @@ void DisassembleIfo(AppContext& ctx) {
 }
 
 void AssembleInteractive(AppContext& ctx) {
-  ctx.convert.assemble_dir = read_last_path(ctx, HomeDirectory(), "kvln_path");
+  ctx.convert.assemble_dir = ReadLastPath(ctx, HomeDirectory(), "kvln_path");
   ChooserRequest source_request;
   source_request.purpose = ChooserPurpose::kAssemblySource;
   source_request.filter = kSourceFilter;
   source_request.initial_dir = ctx.convert.assemble_dir;
-  source_request.flags = kOfnHideReadOnly | kOfnFileMustExist;
+  source_request.flags = kChooserHideReadOnly | kChooserFileMustExist;
   std::optional<std::string> source = ctx.ui.ChooseOpenFile(source_request);
   if (!source) return;
   ctx.convert.source_path = *source;
@@ -155,14 +155,14 @@ void AssembleInteractive(AppContext& ctx) {
     return;
   }
   ctx.convert.assemble_dir = DirectoryPart(*source);
-  write_last_path(ctx, *source, "kvln_path");
+  WriteLastPath(ctx, *source, "kvln_path");
 
   ChooserRequest output_request;
   output_request.purpose = ChooserPurpose::kAssemblyOutput;
   output_request.filter = kOutputFilter;
   output_request.initial_dir = ctx.convert.assemble_dir;
   output_request.default_name = ReplaceExtension(name, "IFO");
-  output_request.flags = kOfnHideReadOnly | kOfnPathMustExist;
+  output_request.flags = kChooserHideReadOnly | kChooserPathMustExist;
   std::optional<std::string> output = ctx.ui.ChooseSaveFile(output_request);
   if (!output) return;
   ctx.convert.output_path = *output;

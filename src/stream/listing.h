@@ -9,7 +9,7 @@
 namespace tarvex {
 
 // Clears the list and lists records first .. end-1 (for an IFO: the IFO report).
-void list_page(AppContext& ctx, std::uint32_t first, std::uint32_t end);
+void ListPage(AppContext& ctx, std::uint32_t first, std::uint32_t end);
 
 // Scroll bar events, as the window sends them.
 void ScrollLineDown(AppContext& ctx, std::int32_t current_position);

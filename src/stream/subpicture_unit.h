@@ -7,6 +7,6 @@
 
 namespace tarvex {
 
-void decode_subpicture_unit(AppContext& ctx, std::uint32_t record);
+void DecodeSubpictureUnit(AppContext& ctx, std::uint32_t record);
 
 }  // namespace tarvex

@@ -82,7 +82,7 @@ TEST_F(OpenFileTest, ChooserGetsFilterFlagsAndPurpose) {
   const ChooserRequest r = f.ui.Choosers()[0];
   EXPECT_EQ(r.purpose, ChooserPurpose::kOpenInput);
   EXPECT_EQ(r.filter, kFilter);
-  EXPECT_EQ(r.flags, kOfnFileMustExist | kOfnHideReadOnly);
+  EXPECT_EQ(r.flags, kChooserFileMustExist | kChooserHideReadOnly);
   EXPECT_EQ(r.default_name, "");
 }
 
@@ -163,7 +163,7 @@ TEST_F(OpenFileTest, ListIsClearedOnlyWhenAFileWasOpen) {
   EXPECT_EQ(ctx().report.line(0), "kept");
 }
 
-// --- open_selected_file --------------------------------------------------------------------
+// --- OpenSelectedFile ----------------------------------------------------------------------
 
 TEST_F(OpenFileTest, UpperAndLowerCaseVobAreVobFiles) {
   Open(Make("A.VOB", 2048));
@@ -197,7 +197,7 @@ TEST_F(OpenFileTest, TypeComesFromTheLastThreeLettersIgnoringCase) {
   for (const Case& c : cases) {
     ctx().open.file_path = Make(c.name, 0);
     if (std::string(c.name) == "ob") ctx().open.file_path = "ob";  // shorter than three letters
-    open_selected_file(ctx());
+    OpenSelectedFile(ctx());
     EXPECT_EQ(ctx().open.file_type, c.type) << c.name;
   }
 }
@@ -284,7 +284,7 @@ TEST_F(OpenFileTest, IfoClearsTheListAndUsesTheEarlierRecordCount) {
   ctx().open.record_count = 77;  // left from an earlier VOB
   ctx().AddReportLine("old line");
   ctx().open.file_path = Make("VTS_01_0.IFO", 4096);
-  open_selected_file(ctx());
+  OpenSelectedFile(ctx());
   EXPECT_EQ(ctx().open.file_type, kFileIfo);
   EXPECT_EQ(ctx().open.record_count, 77u);
   EXPECT_EQ(ctx().stream.scroll_range, 77u);
@@ -296,7 +296,7 @@ TEST_F(OpenFileTest, IfoClearsTheListAndUsesTheEarlierRecordCount) {
 TEST_F(OpenFileTest, SupSetsScrollStateLikeIfo) {
   ctx().open.record_count = 12;
   ctx().open.file_path = Make("menu.sup", 100);
-  open_selected_file(ctx());
+  OpenSelectedFile(ctx());
   EXPECT_EQ(ctx().open.file_type, kFileSup);
   EXPECT_EQ(ctx().open.record_count, 12u);
   EXPECT_EQ(ctx().stream.scroll_range, 12u);

@@ -27,7 +27,7 @@ void Reassemble(const std::string& ifo, const std::string& out_dir) {
   EXPECT_TRUE(f.ui.Messages().empty()) << ifo;
 }
 
-TEST(LsdvdInteropTest, ReassembledSampleDiscReadsLikeTheOriginal) {
+TEST(LsdvdInteropTest, ReassembledSampleDiscReadsLikeTheSampleDisc) {
   if (!test::HaveTool("lsdvd")) GTEST_SKIP() << "lsdvd missing";
   if (!File::Exists(test::SampleDir() + "VTS_01_0.IFO")) GTEST_SKIP() << "sample disc not built";
   test::TempDir work;

@@ -109,7 +109,7 @@ TEST_F(Interop, VideoEqualsFfmpegStreamCopyByteForByteApartFromHeaderStuffing) {
   std::uint32_t stream_number = 0;
   for (std::size_t pos = 0; pos + 2048 <= stream.size(); pos += 2048) {
     ByteView record(stream.data() + pos, 2048);
-    if (get_sector_type(record, stream_number) != kSectorVideo) continue;
+    if (GetSectorType(record, stream_number) != kSectorVideo) continue;
     VideoPayload payload = LocateVideoPayload(record);
     ByteRange range = PayloadBytes(2048, payload.start, payload.length);
     std::size_t header_end = 23 + record.u8(22);

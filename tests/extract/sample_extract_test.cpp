@@ -70,7 +70,7 @@ TEST_F(SampleExtract, TitleSubPictureUnitsGoToTwoFilesAndTheFirstDecodes) {
   Fixture sup;
   sup.ctx->open.file_handle = File::OpenRead(out("title000001.SUP"));
   sup.ctx->open.file_type = kFileSup;
-  decode_subpicture_unit(*sup.ctx, 0);
+  DecodeSubpictureUnit(*sup.ctx, 0);
   EXPECT_EQ(sup.lines(), kFirstUnitLines);
 
 #ifdef TARVEX_CLI_PATH

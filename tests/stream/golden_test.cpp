@@ -24,7 +24,7 @@ class StreamGoldenTest : public ::testing::Test {
   void SetUp() override {
     if (!File::Exists(kTitleVob)) GTEST_SKIP() << "no sample disc at " << kTitleVob;
     f_.ctx->open.file_path = kTitleVob;
-    open_selected_file(*f_.ctx);
+    OpenSelectedFile(*f_.ctx);
     ASSERT_TRUE(f_.ctx->open.file_handle.is_open());
   }
   std::vector<std::string> Details(std::uint32_t record) {
