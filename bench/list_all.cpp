@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <string>
 
-#include "app/context.h"
 #include "platform/scripted_ui.h"
+#include "state/context.h"
 #include "stream/listing.h"
 
 int main(int argc, char** argv) {

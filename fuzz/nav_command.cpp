@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "app/context.h"
 #include "platform/scripted_ui.h"
+#include "state/context.h"
 #include "stream/nav_pack.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

@@ -15,8 +15,8 @@
 #include <string>
 #include <vector>
 
-#include "app/context.h"
 #include "platform/scripted_ui.h"
+#include "state/context.h"
 #include "stream/details.h"
 #include "stream/hex_view.h"
 #include "stream/listing.h"

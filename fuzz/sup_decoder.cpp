@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "app/context.h"
 #include "platform/scripted_ui.h"
+#include "state/context.h"
 #include "stream/subpicture_unit.h"
 
 using namespace tarvex;  // NOLINT

@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "app/context.h"
+#include "state/context.h"
 
 namespace tarvex {
 
@@ -15,9 +15,5 @@ void OpenCommand(AppContext& ctx, std::optional<std::int32_t> forced_type = std:
 // Classifies ctx.open.file_path by extension (or takes forced_type), opens it and shows its
 // first page.
 void OpenSelectedFile(AppContext& ctx, std::optional<std::int32_t> forced_type = std::nullopt);
-
-// The remembered directory in the suite configuration file.
-std::string ReadLastPath(AppContext& ctx, const std::string& current, const char* key);
-void WriteLastPath(AppContext& ctx, const std::string& chosen_path, const char* key);
 
 }  // namespace tarvex

@@ -8,8 +8,8 @@
 #include <optional>
 #include <string>
 
-#include "app/context.h"
 #include "platform/console_ui.h"
+#include "state/context.h"
 
 namespace tarvex::cli {
 

@@ -3,7 +3,7 @@
 #include <array>
 #include <string_view>
 
-#include "app/open_file.h"
+#include "ifo/overview.h"
 #include "ifo/source.h"
 #include "ifo/table.h"
 #include "ifo/vmgi_mat.h"
@@ -11,6 +11,7 @@
 #include "platform/ascii.h"
 #include "platform/bytes.h"
 #include "platform/format.h"
+#include "platform/last_path.h"
 #include "platform/paths.h"
 
 namespace tarvex {
@@ -97,14 +98,6 @@ bool AssembleInto(AppContext& ctx) {
 
 }  // namespace
 
-void ShowIfoOverview(AppContext& ctx) {
-  File& ifo = ctx.open.file_handle;
-  ifo.Seek(0);
-  ctx.ClearReportList();
-  // The title set reading checks the identifier and hands anything else to the video manager.
-  OpenTable(ctx, TableId::kVtsiMat, ifo);
-}
-
 void ShowIfoDetails(AppContext& ctx) {
   if (ctx.stream.details_mode) {
     ctx.stream.details_mode = 0;
@@ -138,7 +131,7 @@ void DisassembleIfo(AppContext& ctx) {
 }
 
 void AssembleInteractive(AppContext& ctx) {
-  ctx.convert.assemble_dir = ReadLastPath(ctx, HomeDirectory(), "kvln_path");
+  ctx.convert.assemble_dir = ReadLastPath(ctx.profiles, HomeDirectory(), "kvln_path");
   ChooserRequest source_request;
   source_request.purpose = ChooserPurpose::kAssemblySource;
   source_request.filter = kSourceFilter;
@@ -155,7 +148,7 @@ void AssembleInteractive(AppContext& ctx) {
     return;
   }
   ctx.convert.assemble_dir = DirectoryPart(*source);
-  WriteLastPath(ctx, *source, "kvln_path");
+  WriteLastPath(ctx.profiles, *source, "kvln_path");
 
   ChooserRequest output_request;
   output_request.purpose = ChooserPurpose::kAssemblyOutput;

@@ -8,10 +8,10 @@
 #include <string_view>
 #include <vector>
 
-#include "app/context.h"
-#include "ifo/opened_table_state.h"
-#include "ifo/pgci_state.h"
 #include "platform/bytes.h"
+#include "state/context.h"
+#include "state/opened_table_state.h"
+#include "state/pgci_state.h"
 
 namespace tarvex {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "convert/drivers.h"
+#include "ifo/overview.h"
 #include "platform/decimal.h"
 #include "platform/format.h"
 #include "stream/details.h"

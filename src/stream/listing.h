@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "app/context.h"
+#include "state/context.h"
 
 namespace tarvex {
 

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#include "app/context.h"
+#include "state/context.h"
 
 namespace tarvex {
 

@@ -6,6 +6,7 @@
 
 #include "ifo/ifo_drivers.h"
 #include "ifo/ifo_images.h"
+#include "ifo/overview.h"
 #include "platform/bytes.h"
 #include "platform/paths.h"
 #include "support/test_support.h"

@@ -8,6 +8,7 @@
 
 #include "convert/drivers.h"
 #include "ifo/ifo_images.h"
+#include "ifo/overview.h"
 #include "ifo/vmgi_mat.h"
 #include "ifo/vtsi_mat.h"
 #include "platform/file_io.h"

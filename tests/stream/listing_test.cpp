@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "app/open_file.h"
-#include "convert/drivers.h"
+#include "ifo/overview.h"
 #include "support/test_support.h"
 
 namespace tarvex {

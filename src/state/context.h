@@ -5,13 +5,13 @@
 #include <cstdint>
 #include <string>
 
-#include "app/report_list.h"
-#include "app/window_state.h"
-#include "convert/convert_state.h"
-#include "ifo/ifo_state.h"
 #include "platform/file_io.h"
 #include "platform/profile.h"
 #include "platform/ui.h"
+#include "state/convert_state.h"
+#include "state/ifo_state.h"
+#include "state/report_list.h"
+#include "state/window_state.h"
 
 namespace tarvex {
 
