@@ -40,6 +40,11 @@ void AddStreamCommands(CLI::App& app, Session& session);   // open, list, hex, d
 void AddExtractCommands(CLI::App& app, Session& session);  // extract
 void AddIfoCommands(CLI::App& app, Session& session);      // ifo, disasm, asm
 
+// The usage error when argv names no command of app (none at all, or an unknown word): names
+// the word and lists the commands with their arguments, one a line. Nothing when the first
+// argument that is not an option is a command.
+std::optional<std::string> CommandUsageError(const CLI::App& app, int argc, char** argv);
+
 // The desktop tool's "-asm=" / "-obj=" arguments. Returns the exit status, or nothing when
 // the arguments hold no such form.
 std::optional<int> RunBatchArguments(int argc, char** argv, Session& session);

@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <sstream>
 
@@ -114,6 +115,82 @@ TEST_F(CliTest, NoCommandIsAUsageError) {
 
 TEST_F(CliTest, UnknownCommandIsAUsageError) {
   EXPECT_EQ(Run({"frobnicate", "x.vob"}).status, 2);
+}
+
+// The commands a usage error lists, each with its arguments (more commands may follow).
+const std::vector<std::string> kCommandLines = {
+    "  open FILE",
+    "  list FILE FIRST END",
+    "  hex FILE RECORD",
+    "  details FILE RECORD",
+    "  extract FILE [options]",
+    "  ifo FILE [PREFIX]",
+    "  disasm FILE [SOURCE]",
+    "  asm SOURCE OUTPUT",
+};
+
+// Checks the usage error for a missing or unknown command: first line, the command list
+// and the pointer to --help; returns the lines between the list and the last line.
+std::vector<std::string> CheckCommandList(const CliResult& r, const std::string& first) {
+  EXPECT_EQ(r.status, 2);
+  EXPECT_EQ(r.out, "");
+  std::vector<std::string> lines = r.ErrLines();
+  if (lines.size() < 3 + kCommandLines.size()) {
+    ADD_FAILURE() << r.err;
+    return {};
+  }
+  EXPECT_EQ(lines[0], first);
+  EXPECT_EQ(lines[1], "Commands:");
+  EXPECT_EQ(lines.back(), "Run \"tarvex-cli --help\" for what each command does.");
+  std::size_t end = 2;
+  while (end < lines.size() && lines[end].rfind("  ", 0) == 0) ++end;
+  std::vector<std::string> listed(lines.begin() + 2, lines.begin() + end);
+  for (const std::string& command : kCommandLines) {
+    EXPECT_NE(std::find(listed.begin(), listed.end(), command), listed.end()) << command;
+  }
+  return std::vector<std::string>(lines.begin() + end, lines.end() - 1);
+}
+
+TEST_F(CliTest, UnknownCommandIsNamedAndTheCommandsAreListed) {
+  CliResult r = Run({"foo", "FILE"});
+  EXPECT_EQ(CheckCommandList(r, "tarvex-cli: unknown command \"foo\""), std::vector<std::string>{});
+}
+
+TEST_F(CliTest, MissingCommandListsTheCommands) {
+  EXPECT_EQ(CheckCommandList(Run({}), "tarvex-cli: a command is required"),
+            std::vector<std::string>{});
+  EXPECT_EQ(CheckCommandList(Run({"--yes"}), "tarvex-cli: a command is required"),
+            std::vector<std::string>{});
+}
+
+TEST_F(CliTest, UnknownCommandIsFoundAfterGlobalOptionsAndDoubleDash) {
+  EXPECT_EQ(
+      CheckCommandList(Run({"--yes", "frob", "x.vob"}), "tarvex-cli: unknown command \"frob\""),
+      std::vector<std::string>{});
+  EXPECT_EQ(CheckCommandList(Run({"--", "frob"}), "tarvex-cli: unknown command \"frob\""),
+            std::vector<std::string>{});
+  // Commands are spelled in lower case.
+  EXPECT_EQ(CheckCommandList(Run({"OPEN", "x.vob"}), "tarvex-cli: unknown command \"OPEN\""),
+            std::vector<std::string>{});
+}
+
+TEST_F(CliTest, MistypedCommandGetsTheClosestCommandSuggested) {
+  // One swap, one letter missing, one letter too many, one replaced.
+  const std::vector<std::pair<std::string, std::string>> typos = {
+      {"opne", "open"}, {"extrct", "extract"}, {"detailss", "details"}, {"hez", "hex"}};
+  for (const auto& [typo, command] : typos) {
+    EXPECT_EQ(
+        CheckCommandList(Run({typo, "a.vob"}), "tarvex-cli: unknown command \"" + typo + "\""),
+        std::vector<std::string>{"Did you mean \"" + command + "\"?"})
+        << typo;
+  }
+}
+
+TEST_F(CliTest, KnownCommandWithAMissingArgumentIsNotCalledUnknown) {
+  CliResult r = Run({"list", "a.vob", "0"});
+  EXPECT_EQ(r.status, 2);
+  EXPECT_EQ(r.err.find("unknown command"), std::string::npos) << r.err;
+  EXPECT_NE(r.err.find("END"), std::string::npos) << r.err;
 }
 
 TEST_F(CliTest, UnknownOptionIsAUsageError) {
