@@ -11,6 +11,7 @@
 #include <sstream>
 
 #include "platform/format.h"
+#include "support/file_access.h"
 #include "support/test_support.h"
 
 #ifdef TARVEX_CLI_PATH
@@ -56,6 +57,14 @@ class CliTest : public ::testing::Test {
       ::dup2(out, 1);
       ::dup2(err, 2);
       ::setenv("XDG_CONFIG_HOME", config_home.c_str(), 1);
+      if (without_file_access_override) {
+        std::string why = test::DropFileAccessOverride();
+        if (!why.empty()) {
+          why = "could not drop the file access capabilities: " + why + "\n";
+          if (::write(2, why.data(), why.size()) < 0) ::_exit(126);
+          ::_exit(126);
+        }
+      }
       std::vector<char*> argv;
       std::string program = TARVEX_CLI_PATH;
       argv.push_back(program.data());
@@ -72,6 +81,14 @@ class CliTest : public ::testing::Test {
     }
     r.out = ReadFileText(out_path);
     r.err = ReadFileText(err_path);
+    return r;
+  }
+
+  // Runs tarvex-cli as Run does, without the capabilities that let root read any file.
+  CliResult RunWithoutFileAccessOverride(const std::vector<std::string>& args) {
+    without_file_access_override = true;
+    CliResult r = Run(args);
+    without_file_access_override = false;
     return r;
   }
 
@@ -100,6 +117,7 @@ class CliTest : public ::testing::Test {
   }
   static std::string ZeroRow(int offset) { return Row(offset, std::vector<int>(16, 0)); }
 
+  bool without_file_access_override = false;
   TempDir dir;
   std::string config_home = dir.file("config");
   std::string config_file = config_home + "/ambrix/ambrix.ini";
@@ -297,10 +315,9 @@ TEST_F(CliTest, FifoCanNotBeOpenedAndDoesNotHang) {
 }
 
 TEST_F(CliTest, UnreadableFileCanNotBeOpened) {
-  if (::geteuid() == 0) GTEST_SKIP() << "permissions do not stop root";
   std::string path = Make("locked.vob", Counting(2048));
-  ::chmod(path.c_str(), 0);
-  CliResult r = Run({"open", path});
+  ASSERT_EQ(::chmod(path.c_str(), 0), 0);
+  CliResult r = RunWithoutFileAccessOverride({"open", path});
   EXPECT_EQ(r.status, 1);
   EXPECT_EQ(r.err, "File selection error!: Can not open " + path + "\n");
 }
