@@ -2,25 +2,34 @@
 # Installs the Debian 12 packages a job needs, when any of them is missing.
 # Usage: tools/install-deps.sh GROUP...   (groups: build, test, gui, bench, sample, ci)
 #   build   compiler, CMake, Ninja, CLI11                 (tarvex-cli)
-#   test    build + GoogleTest                            (tools/test.sh)
+#   test    build + GoogleTest and every tool and library the tests use, so that no test
+#           is skipped: ffmpeg (with ffprobe) and lsdvd for the interoperability tests,
+#           dvdauthor and genisoimage for test discs and ISO images, libudfread and
+#           nlohmann-json (tools/test.sh)
 #   sample  ffmpeg, dvdauthor, lsdvd, python3             (tools/make-sample-disc.sh)
 #   gui     Qt 6 Widgets                                  (the desktop tool)
 #   bench   Google Benchmark                              (bench/)
-#   ci      all of the above + clang-14 for the fuzz harnesses, Google Benchmark
+#   ci      all of the above + clang-14 for the fuzz harnesses
 # Runs apt-get through sudo unless already root. Does nothing when all is present.
 set -euo pipefail
+
+build_packages=(cmake ninja-build g++ libcli11-dev)
+test_packages=("${build_packages[@]}" libgtest-dev libgmock-dev pkg-config
+               ffmpeg lsdvd dvdauthor genisoimage libudfread-dev nlohmann-json3-dev)
+sample_packages=(ffmpeg dvdauthor lsdvd python3)
+gui_packages=(qt6-base-dev)
+bench_packages=(libbenchmark-dev)
 
 packages=()
 for group in "$@"; do
   case "$group" in
-    build) packages+=(cmake ninja-build g++ libcli11-dev) ;;
-    test) packages+=(cmake ninja-build g++ libcli11-dev libgtest-dev libgmock-dev) ;;
-    sample) packages+=(ffmpeg dvdauthor lsdvd python3) ;;
-    gui) packages+=(qt6-base-dev) ;;
-    bench) packages+=(libbenchmark-dev) ;;
-    ci) packages+=(cmake ninja-build g++ libcli11-dev libgtest-dev libgmock-dev
-                   clang-14 libclang-rt-14-dev libbenchmark-dev
-                   ffmpeg dvdauthor lsdvd qt6-base-dev) ;;
+    build) packages+=("${build_packages[@]}") ;;
+    test) packages+=("${test_packages[@]}") ;;
+    sample) packages+=("${sample_packages[@]}") ;;
+    gui) packages+=("${gui_packages[@]}") ;;
+    bench) packages+=("${bench_packages[@]}") ;;
+    ci) packages+=("${test_packages[@]}" "${sample_packages[@]}" "${gui_packages[@]}"
+                   "${bench_packages[@]}" clang-14 libclang-rt-14-dev) ;;
     *) echo "install-deps.sh: unknown group '$group'" >&2; exit 2 ;;
   esac
 done

@@ -24,7 +24,7 @@ using test::PressDetailsOn;
 using test::SampleAvailable;
 
 TEST(IfoSampleDiscTest, VideoManagerOverview) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture f;
   OpenSample(f, "VIDEO_TS.IFO");
   // Identifier DVDVIDEO-VMG; vmgm_vobs_sa (bytes 192-195) = 6; the table start sectors at
@@ -47,7 +47,7 @@ TEST(IfoSampleDiscTest, VideoManagerOverview) {
 }
 
 TEST(IfoSampleDiscTest, TitleSetOverview) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture f;
   OpenSample(f, "VTS_01_0.IFO");
   // vtsm_vobs_sa (0xC0) = 9, vtstt_vobs_sa (0xC4) = 0x25; the eight table start sectors at
@@ -69,7 +69,7 @@ TEST(IfoSampleDiscTest, TitleSetOverview) {
 }
 
 TEST(IfoSampleDiscTest, VideoManagerDetails) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture f;
   OpenSample(f, "VIDEO_TS.IFO");
   PressDetailsOn(f, "VMGI_MAT");
@@ -141,7 +141,7 @@ TEST(IfoSampleDiscTest, VideoManagerDetails) {
 }
 
 TEST(IfoSampleDiscTest, TitleSetDetails) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture f;
   OpenSample(f, "VTS_01_0.IFO");
   PressDetailsOn(f, "VTSI_MAT");
@@ -179,7 +179,7 @@ TEST(IfoSampleDiscTest, TitleSetDetails) {
 }
 
 TEST(IfoSampleDiscTest, VideoManagerRoundTrip) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   test::SampleRoundTrip rt = test::RunSampleRoundTrip("VIDEO_TS.IFO", "VIDEO_TS.INI");
   EXPECT_TRUE(rt.messages.empty());
   // Every table is written again in the same sectors (1 to 5 after VMGI_MAT), so the sizes,
@@ -199,7 +199,7 @@ TEST(IfoSampleDiscTest, VideoManagerRoundTrip) {
 }
 
 TEST(IfoSampleDiscTest, TitleSetRoundTrip) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   test::SampleRoundTrip rt = test::RunSampleRoundTrip("VTS_01_0.IFO", "VTS_01_0.INI");
   EXPECT_TRUE(rt.messages.empty());
   ASSERT_EQ(rt.original.size(), 9u * 2048);
