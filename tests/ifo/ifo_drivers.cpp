@@ -21,6 +21,16 @@ std::string OpenIfo(Fixture& f, const std::string& name, const std::vector<std::
   return path;
 }
 
+std::vector<std::string> FirstLines(const Fixture& f, std::size_t n) {
+  return {f.lines().begin(),
+          f.lines().begin() + static_cast<std::ptrdiff_t>(std::min(n, f.lines().size()))};
+}
+
+std::vector<std::string> VmgImageOverviewHead() {
+  return {"VMGI_MAT IFO File: Video Manager Information Management Table",
+          "VMGM_VOB: VMG Menu VOB starts at sector address: 1"};
+}
+
 bool HasLine(const std::vector<std::string>& lines, const std::string& line) {
   return std::find(lines.begin(), lines.end(), line) != lines.end();
 }
