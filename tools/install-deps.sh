@@ -1,12 +1,17 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages a job needs, when any of them is missing.
-# Usage: tools/install-deps.sh GROUP...   (groups: build, test, gui, bench, sample, ci)
+# Usage: tools/install-deps.sh GROUP...
+#   (groups: build, test, gui, bench, sample, package, screenshot, ci)
 #   build   compiler, CMake, Ninja, CLI11                 (tarvex-cli)
-#   test    build + GoogleTest                            (tools/test.sh)
+#   test    build + GoogleTest, groff, desktop-file-utils, zsh, fish
+#           (tools/test.sh: with the manual page, desktop entry and completion checks)
 #   sample  ffmpeg, dvdauthor, lsdvd, python3             (tools/make-sample-disc.sh)
 #   gui     Qt 6 Widgets                                  (the desktop tool)
 #   bench   Google Benchmark                              (bench/)
-#   ci      all of the above + clang-14 for the fuzz harnesses, Google Benchmark
+#   package dpkg-dev, file, lintian, groff, man-db, desktop-file-utils
+#           (tools/package.sh and tools/check-package.sh)
+#   screenshot  Xvfb, ImageMagick                         (tools/screenshot.sh)
+#   ci      all of the above but screenshot + clang-14 for the fuzz harnesses
 # Runs apt-get through sudo unless already root. Does nothing when all is present.
 set -euo pipefail
 
@@ -14,13 +19,18 @@ packages=()
 for group in "$@"; do
   case "$group" in
     build) packages+=(cmake ninja-build g++ libcli11-dev) ;;
-    test) packages+=(cmake ninja-build g++ libcli11-dev libgtest-dev libgmock-dev) ;;
+    test) packages+=(cmake ninja-build g++ libcli11-dev libgtest-dev libgmock-dev
+                     groff-base desktop-file-utils zsh fish) ;;
     sample) packages+=(ffmpeg dvdauthor lsdvd python3) ;;
     gui) packages+=(qt6-base-dev) ;;
     bench) packages+=(libbenchmark-dev) ;;
+    package) packages+=(dpkg-dev file lintian groff-base man-db desktop-file-utils) ;;
+    screenshot) packages+=(xvfb x11-utils imagemagick) ;;
     ci) packages+=(cmake ninja-build g++ libcli11-dev libgtest-dev libgmock-dev
+                   groff-base desktop-file-utils zsh fish
                    clang-14 libclang-rt-14-dev libbenchmark-dev
-                   ffmpeg dvdauthor lsdvd qt6-base-dev) ;;
+                   ffmpeg dvdauthor lsdvd qt6-base-dev
+                   dpkg-dev file lintian man-db) ;;
     *) echo "install-deps.sh: unknown group '$group'" >&2; exit 2 ;;
   esac
 done
