@@ -25,7 +25,7 @@ for group in "$@"; do
     gui) packages+=(qt6-base-dev) ;;
     bench) packages+=(libbenchmark-dev) ;;
     package) packages+=(dpkg-dev file lintian groff-base man-db desktop-file-utils) ;;
-    screenshot) packages+=(xvfb x11-utils imagemagick) ;;
+    screenshot) packages+=(xvfb xauth imagemagick qt6-qpa-plugins) ;;
     ci) packages+=(cmake ninja-build g++ libcli11-dev libgtest-dev libgmock-dev
                    groff-base desktop-file-utils zsh fish
                    clang-14 libclang-rt-14-dev libbenchmark-dev
