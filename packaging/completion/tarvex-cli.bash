@@ -30,6 +30,17 @@ _tarvex_folders() {
   COMPREPLY+=("${names[@]}")
 }
 
+# The value of the batch arguments -asm=SOURCE and -obj=OUTPUT ("=" splits the word): fills
+# COMPREPLY and succeeds when the current word is one.
+_tarvex_batch_value() {
+  [[ ${COMP_WORDS[COMP_CWORD - 1]} == = && $COMP_CWORD -ge 2 ]] || return 1
+  case "${COMP_WORDS[COMP_CWORD - 2]}" in
+    -asm) _tarvex_files "${COMP_WORDS[COMP_CWORD]}" ini ;;
+    -obj) _tarvex_files "${COMP_WORDS[COMP_CWORD]}" ifo ;;
+    *) return 1 ;;
+  esac
+}
+
 # The file kinds of a command's positional arguments, by position (1 = first argument).
 _tarvex_cli_argument_kinds() { # command position
   case "$1:$2" in
@@ -53,13 +64,7 @@ _tarvex_cli() {
   COMPREPLY=()
   compopt -o filenames 2>/dev/null
 
-  # The desktop tool's batch arguments: -asm=SOURCE -obj=OUTPUT ("=" splits the word).
-  if [[ $prev == = && $COMP_CWORD -ge 2 ]]; then
-    case "${COMP_WORDS[COMP_CWORD - 2]}" in
-      -asm) _tarvex_files "$cur" ini; return ;;
-      -obj) _tarvex_files "$cur" ifo; return ;;
-    esac
-  fi
+  _tarvex_batch_value && return
 
   # The command and the number of positional arguments before the current word.
   local command="" position=0 i word
@@ -116,15 +121,9 @@ _tarvex_cli() {
 
 _tarvex() {
   local cur=${COMP_WORDS[COMP_CWORD]}
-  local prev=${COMP_WORDS[COMP_CWORD - 1]}
   COMPREPLY=()
   compopt -o filenames 2>/dev/null
-  if [[ $prev == = && $COMP_CWORD -ge 2 ]]; then
-    case "${COMP_WORDS[COMP_CWORD - 2]}" in
-      -asm) _tarvex_files "$cur" ini; return ;;
-      -obj) _tarvex_files "$cur" ifo; return ;;
-    esac
-  fi
+  _tarvex_batch_value && return
   compopt +o filenames -o nospace 2>/dev/null
   COMPREPLY=($(compgen -W "-asm= -obj=" -- "$cur"))
 }
