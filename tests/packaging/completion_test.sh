@@ -4,8 +4,8 @@
 #
 # bash: the completion function is run on command lines and its answers compared with the
 # commands and options of tarvex-cli's --help, and with the files of a scratch folder.
-# fish (when installed): the same through "complete -C". zsh (when installed): the script
-# parses and names every command and option.
+# fish: the same through "complete -C". zsh: the script parses and names every command and
+# option. A missing shell is a failure (tools/install-deps.sh test installs fish and zsh).
 set -euo pipefail
 cli=$(realpath "$1")
 dir=$(realpath "$2")
@@ -97,7 +97,7 @@ if command -v fish >/dev/null; then
   expect "fish: asm SOURCE OUTPUT" "d.IFO sub" "$(fish_complete 'tarvex-cli asm f.INI ')"
   expect "fish: extract --dir" "sub" "$(fish_complete 'tarvex-cli extract --dir ')"
 else
-  echo "fish not installed: its completion is not checked"
+  fail "fish is not installed: its completion is not checked"
 fi
 
 # --- zsh
@@ -111,7 +111,7 @@ if command -v zsh >/dev/null; then
       fail "zsh: _tarvex-cli does not offer $option"
   done
 else
-  echo "zsh not installed: its completion is not checked"
+  fail "zsh is not installed: its completion is not checked"
 fi
 
 if [ $failures -ne 0 ]; then

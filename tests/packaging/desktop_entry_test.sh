@@ -6,8 +6,8 @@ set -uo pipefail
 entry=$1
 icon=$2
 if ! command -v desktop-file-validate >/dev/null; then
-  echo "desktop-file-validate is not installed (tools/install-deps.sh test)"
-  exit 77
+  echo "FAIL: desktop-file-validate is not installed (tools/install-deps.sh test installs it)"
+  exit 1
 fi
 status=0
 fail() {

@@ -3,8 +3,8 @@
 # Usage: man_render_test.sh PAGE...
 set -uo pipefail
 if ! command -v groff >/dev/null; then
-  echo "groff is not installed (tools/install-deps.sh test)"
-  exit 77
+  echo "FAIL: groff is not installed (tools/install-deps.sh test installs it)"
+  exit 1
 fi
 status=0
 for page in "$@"; do
