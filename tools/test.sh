@@ -8,7 +8,7 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 
 groups=(test gui)
-options=(-DTARVEX_TESTS=ON -DTARVEX_GUI=ON)
+options=(-DTARVEX_TESTS=ON -DTARVEX_GUI=ON -DTARVEX_SCREENSHOT=ON)
 if [ -f bench/CMakeLists.txt ]; then
   groups+=(bench)
   options+=(-DTARVEX_BENCH=ON)
