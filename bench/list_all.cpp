@@ -1,12 +1,12 @@
-// Lists every record of a program stream through list_page, one page of 16 records at a time
+// Lists every record of a program stream through ListPage, one page of 16 records at a time
 // as paging through the file does, and throws the lines away. Prints the record and line
 // counts so the work cannot be skipped.
 #include <cstdint>
 #include <cstdio>
 #include <string>
 
-#include "app/context.h"
 #include "platform/scripted_ui.h"
+#include "state/context.h"
 #include "stream/listing.h"
 
 int main(int argc, char** argv) {
@@ -32,7 +32,7 @@ int main(int argc, char** argv) {
   for (std::uint64_t first = 0; first < count; first += PAGE_RECORDS) {
     const auto end =
         static_cast<std::uint32_t>(std::min<std::uint64_t>(first + PAGE_RECORDS, count));
-    list_page(ctx, static_cast<std::uint32_t>(first), end);
+    ListPage(ctx, static_cast<std::uint32_t>(first), end);
     lines += ctx.report.size();
     for (const std::string& line : ctx.report.lines()) bytes += line.size();
   }

@@ -6,7 +6,7 @@
 # Builds a stream of at least MEGABYTES (default 1024, at least 512) by repeating VOB
 # (default: the sample disc's title VOB) in a temporary folder, then times
 #   cat FILE > /dev/null
-#   list_all FILE        (every record through list_page, page by page, lines discarded)
+#   list_all FILE        (every record through ListPage, page by page, lines discarded)
 # and prints both times and their ratio. Both runs read a file already in the page cache.
 set -euo pipefail
 
@@ -52,6 +52,6 @@ t2=$(now)
 awk -v c0="$t0" -v c1="$t1" -v l1="$t2" 'BEGIN {
   cat = c1 - c0; list = l1 - c1;
   printf "cat FILE > /dev/null: %.3f s\n", cat;
-  printf "list_page, every record: %.3f s\n", list;
+  printf "ListPage, every record: %.3f s\n", list;
   printf "ratio list/cat: %.1f\n", (cat > 0 ? list / cat : 0);
 }'

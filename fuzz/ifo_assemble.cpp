@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "app/context.h"
 #include "convert/drivers.h"
 #include "platform/file_io.h"
 #include "platform/scripted_ui.h"
+#include "state/context.h"
 
 namespace {
 

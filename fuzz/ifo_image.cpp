@@ -6,10 +6,11 @@
 #include <cstdint>
 #include <string>
 
-#include "app/context.h"
 #include "convert/drivers.h"
+#include "ifo/overview.h"
 #include "platform/file_io.h"
 #include "platform/scripted_ui.h"
+#include "state/context.h"
 
 namespace {
 

@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "app/context.h"
 #include "platform/scripted_ui.h"
+#include "state/context.h"
 #include "stream/nav_pack.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -16,7 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
   // Every 8-byte window of the input as a command (bounded: at most 64 of them).
   for (std::size_t off = 0; off < size && off < 64 * 8; off += 8) {
-    std::string text = describe_nav_command(input.sub(off, 8));
+    std::string text = DescribeNavCommand(input.sub(off, 8));
     if (text.empty()) __builtin_trap();  // every command has a reading
   }
 

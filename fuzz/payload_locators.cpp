@@ -42,7 +42,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     SubPicturePayload sub = LocateSubPicturePayload(view);
     Check(view, sub.start, sub.length);
     std::uint32_t stream_number = 0;
-    if (get_sector_type(view, stream_number) > 9) std::abort();
+    if (GetSectorType(view, stream_number) > 9) std::abort();
   }
   return 0;
 }

@@ -15,8 +15,8 @@
 #include <string>
 #include <vector>
 
-#include "app/context.h"
 #include "platform/scripted_ui.h"
+#include "state/context.h"
 #include "stream/details.h"
 #include "stream/hex_view.h"
 #include "stream/listing.h"
@@ -69,9 +69,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::size_t at = std::size_t{r} * 2048;
     ByteView record(bytes.data() + std::min(at, bytes.size()),
                     at < bytes.size() ? std::min<std::size_t>(2048, bytes.size() - at) : 0);
-    get_sector_type(record, ctx.stream.stream_number);
+    GetSectorType(record, ctx.stream.stream_number);
   }
-  list_page(ctx, 0, records);
+  ListPage(ctx, 0, records);
   for (std::uint32_t r = 0; r < records; ++r) {
     ctx.open.page_end = r;
     ShowRecordHex(ctx, false);

@@ -6,8 +6,8 @@
 #include <cstdlib>
 #include <string>
 
-#include "app/context.h"
 #include "platform/scripted_ui.h"
+#include "state/context.h"
 #include "stream/subpicture_unit.h"
 
 using namespace tarvex;  // NOLINT
@@ -24,9 +24,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   ctx.open.file_type = kFileSup;
   ctx.open.file_path = path;
   // Record 0 as the Open command does, and a record further on.
-  decode_subpicture_unit(ctx, 0);
+  DecodeSubpictureUnit(ctx, 0);
   if (ctx.report.size() < 4 || ctx.report.size() > 4 + 2044) std::abort();
-  decode_subpicture_unit(ctx, size > 0 ? data[0] : 1);
+  DecodeSubpictureUnit(ctx, size > 0 ? data[0] : 1);
   if (ctx.report.size() < 4 || ctx.report.size() > 4 + 2044) std::abort();
   return 0;
 }

@@ -1,30 +1,46 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages a job needs, when any of them is missing.
-# Usage: tools/install-deps.sh GROUP...   (groups: build, test, gui, bench, sample, ci)
-#   build   compiler, CMake, Ninja, CLI11, libudfread     (tarvex-cli; ISO images)
-#   test    build + GoogleTest, nlohmann-json, lsdvd,     (tools/test.sh: JSON parsed back,
-#           genisoimage, python3                           lsdvd comparison, ISO images,
-#                                                          damaged discs)
+# Usage: tools/install-deps.sh GROUP...
+#   (groups: build, test, gui, bench, sample, package, screenshot, ci)
+#   build   compiler, CMake, Ninja, CLI11, libudfread      (tarvex-cli)
+#   test    build + GoogleTest and every tool and library the tests use, so that no test
+#           is skipped: ffmpeg (with ffprobe) and lsdvd for the interoperability tests,
+#           dvdauthor and genisoimage for test discs and ISO images, nlohmann-json, python3
+#           for the damaged-disc tool, and
+#           groff, desktop-file-utils, zsh and fish for the manual page, desktop entry and
+#           completion checks (tools/test.sh)
 #   sample  ffmpeg, dvdauthor, lsdvd, python3             (tools/make-sample-disc.sh)
 #   gui     Qt 6 Widgets                                  (the desktop tool)
-#   bench   Google Benchmark, time, genisoimage           (bench/)
-#   ci      all of the above + clang-14 for the fuzz harnesses, Google Benchmark
+#   bench   Google Benchmark, time, genisoimage, python3  (bench/)
+#   package dpkg-dev, file, lintian, groff, man-db, desktop-file-utils
+#           (tools/package.sh and tools/check-package.sh)
+#   screenshot  Xvfb, ImageMagick                         (tools/screenshot.sh)
+#   ci      all of the above but screenshot + clang-14 for the fuzz harnesses
 # Runs apt-get through sudo unless already root. Does nothing when all is present.
 set -euo pipefail
+
+build_packages=(cmake ninja-build g++ libcli11-dev pkg-config libudfread-dev)
+test_packages=("${build_packages[@]}" libgtest-dev libgmock-dev
+               ffmpeg lsdvd dvdauthor genisoimage nlohmann-json3-dev python3
+               groff-base desktop-file-utils zsh fish)
+sample_packages=(ffmpeg dvdauthor lsdvd python3)
+gui_packages=(qt6-base-dev)
+bench_packages=(libbenchmark-dev time genisoimage python3)
+package_packages=(dpkg-dev file lintian groff-base man-db desktop-file-utils)
+screenshot_packages=(xvfb xauth imagemagick qt6-qpa-plugins)
 
 packages=()
 for group in "$@"; do
   case "$group" in
-    build) packages+=(cmake ninja-build g++ pkg-config libcli11-dev libudfread-dev) ;;
-    test) packages+=(cmake ninja-build g++ pkg-config libcli11-dev libudfread-dev libgtest-dev
-                     libgmock-dev nlohmann-json3-dev lsdvd genisoimage python3) ;;
-    sample) packages+=(ffmpeg dvdauthor lsdvd python3) ;;
-    gui) packages+=(qt6-base-dev) ;;
-    bench) packages+=(libbenchmark-dev time genisoimage python3) ;;
-    ci) packages+=(cmake ninja-build g++ pkg-config libcli11-dev libudfread-dev libgtest-dev
-                   libgmock-dev nlohmann-json3-dev genisoimage python3
-                   clang-14 libclang-rt-14-dev libbenchmark-dev
-                   ffmpeg dvdauthor lsdvd qt6-base-dev) ;;
+    build) packages+=("${build_packages[@]}") ;;
+    test) packages+=("${test_packages[@]}") ;;
+    sample) packages+=("${sample_packages[@]}") ;;
+    gui) packages+=("${gui_packages[@]}") ;;
+    bench) packages+=("${bench_packages[@]}") ;;
+    package) packages+=("${package_packages[@]}") ;;
+    screenshot) packages+=("${screenshot_packages[@]}") ;;
+    ci) packages+=("${test_packages[@]}" "${sample_packages[@]}" "${gui_packages[@]}"
+                   "${bench_packages[@]}" "${package_packages[@]}" clang-14 libclang-rt-14-dev) ;;
     *) echo "install-deps.sh: unknown group '$group'" >&2; exit 2 ;;
   esac
 done

@@ -2,8 +2,8 @@
 // assembly that two of them start on the first paint of the main window.
 #pragma once
 
-#include "app/context.h"
-#include "app/window_state.h"
+#include "state/context.h"
+#include "state/window_state.h"
 
 namespace tarvex {
 

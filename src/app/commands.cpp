@@ -6,6 +6,7 @@
 
 #include "convert/drivers.h"
 #include "extract/extract.h"
+#include "ifo/overview.h"
 #include "stream/details.h"
 #include "stream/listing.h"
 

@@ -2,7 +2,7 @@
 // close query. The window (or tarvex-cli) calls these with the user's input already gathered.
 #pragma once
 
-#include "app/context.h"
+#include "state/context.h"
 
 namespace tarvex {
 

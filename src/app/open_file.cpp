@@ -2,9 +2,10 @@
 
 #include <string_view>
 
-#include "convert/drivers.h"
+#include "ifo/overview.h"
 #include "platform/ascii.h"
 #include "platform/format.h"
+#include "platform/last_path.h"
 #include "platform/paths.h"
 #include "stream/listing.h"
 #include "stream/subpicture_unit.h"
@@ -13,8 +14,7 @@ namespace tarvex {
 
 namespace {
 
-// The remembered directory lives in the suite configuration file.
-constexpr std::string_view kConfigSection = "kelvane";
+// The key of the remembered directory in the suite configuration file.
 constexpr const char* kPathKey = "kvln_path";
 
 // String resource 700: the open chooser's filter.
@@ -22,7 +22,8 @@ constexpr std::string_view kOpenFilter =
     "MPEG Files(*.VOB;*.M2P;*.IFO;*.SUP)|*.VOB;*.M2P;*.IFO;*.SUP|VOB Files(*.VOB)|*.VOB|"
     "System Files(*.M2P)|*.M2P|IFO Files(*.IFO)|*.IFO|SubPicture Files(*.SUP)|*.SUP|";
 
-// strnicmp over n characters: stops at the first difference or at a zero byte in both.
+// Compares n characters without regard to ASCII case; stops at the first difference or at a
+// zero byte in both.
 bool EqualIgnoringCase(const char* a, const char* b, std::size_t n) {
   for (std::size_t i = 0; i < n; ++i) {
     if (AsciiLower(a[i]) != AsciiLower(b[i])) return false;
@@ -33,24 +34,6 @@ bool EqualIgnoringCase(const char* a, const char* b, std::size_t n) {
 
 }  // namespace
 
-std::string read_last_path(AppContext& ctx, const std::string& current, const char* key) {
-  std::string config = ConfigFilePath();
-  std::string value = ctx.profiles.GetString(config, kConfigSection, key, "0");
-  // A value beginning with '0' is the default: the key is missing. Remember the current
-  // directory then; an empty value is a remembered (empty) directory.
-  if (!value.empty() && value[0] == '0') {
-    ctx.profiles.WriteString(config, kConfigSection, key, current);
-    return current;
-  }
-  return value;
-}
-
-void write_last_path(AppContext& ctx, const std::string& chosen_path, const char* key) {
-  std::size_t sep = LastSeparator(chosen_path);
-  std::string dir = sep == std::string::npos ? std::string() : chosen_path.substr(0, sep);
-  ctx.profiles.WriteString(ConfigFilePath(), kConfigSection, key, dir);
-}
-
 void OpenCommand(AppContext& ctx, std::optional<std::int32_t> forced_type) {
   OpenFileState& open = ctx.open;
   open.vmg_selected = 0;
@@ -59,13 +42,13 @@ void OpenCommand(AppContext& ctx, std::optional<std::int32_t> forced_type) {
     ctx.ClearReportList();
   }
   open.file_dir = HomeDirectory();
-  open.file_dir = read_last_path(ctx, open.file_dir, kPathKey);
+  open.file_dir = ReadLastPath(ctx.profiles, open.file_dir, kPathKey);
 
   ChooserRequest request;
   request.purpose = ChooserPurpose::kOpenInput;
   request.filter = std::string(kOpenFilter);
   request.initial_dir = open.file_dir;
-  request.flags = kOfnFileMustExist | kOfnHideReadOnly;
+  request.flags = kChooserFileMustExist | kChooserHideReadOnly;
   std::optional<std::string> answer = ctx.ui.ChooseOpenFile(request);
   if (!answer) return;
   // The chosen path is a zero-terminated text.
@@ -73,7 +56,7 @@ void OpenCommand(AppContext& ctx, std::optional<std::int32_t> forced_type) {
 
   open.file_dir.clear();
   open.file_name.clear();
-  write_last_path(ctx, chosen, kPathKey);
+  WriteLastPath(ctx.profiles, chosen, kPathKey);
 
   // Split at the last separator, searching back from the terminating position down to index
   // 1: a separator at index 0 is never found, and a path without one leaves the index at 0,
@@ -93,10 +76,10 @@ void OpenCommand(AppContext& ctx, std::optional<std::int32_t> forced_type) {
   }
 
   open.file_path = chosen;
-  open_selected_file(ctx, forced_type);
+  OpenSelectedFile(ctx, forced_type);
 }
 
-void open_selected_file(AppContext& ctx, std::optional<std::int32_t> forced_type) {
+void OpenSelectedFile(AppContext& ctx, std::optional<std::int32_t> forced_type) {
   OpenFileState& open = ctx.open;
   open.file_type = kFileUnknown;
   std::string path = Format("%s", {open.file_path});
@@ -127,7 +110,7 @@ void open_selected_file(AppContext& ctx, std::optional<std::int32_t> forced_type
         ctx.ui.ShowMessage(Format("Selected VOB file %s has illegal length", {open.file_path}),
                            "File format error!");
       }
-      list_page(ctx, 0, PAGE_RECORDS);
+      ListPage(ctx, 0, PAGE_RECORDS);
       ctx.stream.scroll_range = open.record_count >> 4;
       open.page_end = PAGE_RECORDS;
       open.scroll_page = 16;
@@ -143,7 +126,7 @@ void open_selected_file(AppContext& ctx, std::optional<std::int32_t> forced_type
       open.scroll_page = 16;
       break;
     case kFileSup:
-      decode_subpicture_unit(ctx, 0);
+      DecodeSubpictureUnit(ctx, 0);
       ctx.stream.scroll_range = open.record_count;
       open.page_end = PAGE_RECORDS;
       open.scroll_page = 16;

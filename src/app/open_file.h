@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "app/context.h"
+#include "state/context.h"
 
 namespace tarvex {
 
@@ -14,10 +14,6 @@ namespace tarvex {
 void OpenCommand(AppContext& ctx, std::optional<std::int32_t> forced_type = std::nullopt);
 // Classifies ctx.open.file_path by extension (or takes forced_type), opens it and shows its
 // first page.
-void open_selected_file(AppContext& ctx, std::optional<std::int32_t> forced_type = std::nullopt);
-
-// The remembered directory in the suite configuration file.
-std::string read_last_path(AppContext& ctx, const std::string& current, const char* key);
-void write_last_path(AppContext& ctx, const std::string& chosen_path, const char* key);
+void OpenSelectedFile(AppContext& ctx, std::optional<std::int32_t> forced_type = std::nullopt);
 
 }  // namespace tarvex

@@ -20,7 +20,7 @@ void SaveReportAsText(AppContext& ctx) {
   request.purpose = ChooserPurpose::kSaveReport;
   request.filter = "Text File(*.TXT)|*.TXT|";
   request.initial_dir = HomeDirectory();
-  request.flags = kOfnPathMustExist | kOfnHideReadOnly;  // the chooser itself does not ask
+  request.flags = kChooserPathMustExist | kChooserHideReadOnly;  // the chooser itself does not ask
   std::optional<std::string> path = ctx.ui.ChooseSaveFile(request);
   if (!path) return;
 

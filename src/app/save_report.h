@@ -1,7 +1,7 @@
 // File > Save As Text *.TXT: writes the report list to a text file.
 #pragma once
 
-#include "app/context.h"
+#include "state/context.h"
 
 namespace tarvex {
 

@@ -8,8 +8,8 @@
 #include <optional>
 #include <string>
 
-#include "app/context.h"
 #include "platform/console_ui.h"
+#include "state/context.h"
 
 namespace tarvex::cli {
 
@@ -42,6 +42,11 @@ void AddStreamCommands(CLI::App& app, Session& session);   // open, list, hex, d
 void AddExtractCommands(CLI::App& app, Session& session);  // extract
 void AddIfoCommands(CLI::App& app, Session& session);      // ifo, disasm, asm
 void AddDiscCommands(CLI::App& app, Session& session);     // info, verify
+
+// The usage error when argv names no command of app (none at all, or an unknown word): names
+// the word and lists the commands with their arguments, one a line. Nothing when the first
+// argument that is not an option is a command.
+std::optional<std::string> CommandUsageError(const CLI::App& app, int argc, char** argv);
 
 // The desktop tool's "-asm=" / "-obj=" arguments. Returns the exit status, or nothing when
 // the arguments hold no such form.

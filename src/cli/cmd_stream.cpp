@@ -160,7 +160,7 @@ void AddStreamCommands(CLI::App& app, Session& session) {
         if (OpenForCommand(session, *file)) {
           std::uint32_t from = *ParseRecordNumber(*first);
           std::uint32_t to = *ParseRecordNumber(*end);
-          list_page(session.ctx, from, to);
+          ListPage(session.ctx, from, to);
           session.ctx.open.page_end = to;
           session.ctx.open.scroll_page = static_cast<std::int32_t>(to >> 4);
         }

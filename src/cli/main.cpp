@@ -93,6 +93,13 @@ int Run(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
+    if (e.get_exit_code() != 0) {
+      // No command was recognised: name the word given (if any) and list the known ones.
+      if (std::optional<std::string> message = CommandUsageError(app, argc, argv)) {
+        std::fputs(message->c_str(), stderr);
+        return 2;
+      }
+    }
     int code = app.exit(e);
     return code == 0 ? 0 : 2;
   }

@@ -3,7 +3,7 @@
 #include <array>
 #include <string_view>
 
-#include "app/open_file.h"
+#include "ifo/overview.h"
 #include "ifo/source.h"
 #include "ifo/table.h"
 #include "ifo/vmgi_mat.h"
@@ -11,6 +11,7 @@
 #include "platform/ascii.h"
 #include "platform/bytes.h"
 #include "platform/format.h"
+#include "platform/last_path.h"
 #include "platform/paths.h"
 
 namespace tarvex {
@@ -97,14 +98,6 @@ bool AssembleInto(AppContext& ctx) {
 
 }  // namespace
 
-void ShowIfoOverview(AppContext& ctx) {
-  File& ifo = ctx.open.file_handle;
-  ifo.Seek(0);
-  ctx.ClearReportList();
-  // The title set reading checks the identifier and hands anything else to the video manager.
-  OpenTable(ctx, TableId::kVtsiMat, ifo);
-}
-
 void ShowIfoDetails(AppContext& ctx) {
   if (ctx.stream.details_mode) {
     ctx.stream.details_mode = 0;
@@ -126,7 +119,7 @@ void DisassembleIfo(AppContext& ctx) {
   request.filter = kSourceFilter;
   request.initial_dir = HomeDirectory();
   request.default_name = ReplaceExtension(ctx.open.file_path, "INI");
-  request.flags = kOfnHideReadOnly | kOfnPathMustExist;
+  request.flags = kChooserHideReadOnly | kChooserPathMustExist;
   std::optional<std::string> chosen = ctx.ui.ChooseSaveFile(request);
   if (!chosen) return;
   ctx.convert.source_path = *chosen;
@@ -138,12 +131,12 @@ void DisassembleIfo(AppContext& ctx) {
 }
 
 void AssembleInteractive(AppContext& ctx) {
-  ctx.convert.assemble_dir = read_last_path(ctx, HomeDirectory(), "kvln_path");
+  ctx.convert.assemble_dir = ReadLastPath(ctx.profiles, HomeDirectory(), "kvln_path");
   ChooserRequest source_request;
   source_request.purpose = ChooserPurpose::kAssemblySource;
   source_request.filter = kSourceFilter;
   source_request.initial_dir = ctx.convert.assemble_dir;
-  source_request.flags = kOfnHideReadOnly | kOfnFileMustExist;
+  source_request.flags = kChooserHideReadOnly | kChooserFileMustExist;
   std::optional<std::string> source = ctx.ui.ChooseOpenFile(source_request);
   if (!source) return;
   ctx.convert.source_path = *source;
@@ -155,14 +148,14 @@ void AssembleInteractive(AppContext& ctx) {
     return;
   }
   ctx.convert.assemble_dir = DirectoryPart(*source);
-  write_last_path(ctx, *source, "kvln_path");
+  WriteLastPath(ctx.profiles, *source, "kvln_path");
 
   ChooserRequest output_request;
   output_request.purpose = ChooserPurpose::kAssemblyOutput;
   output_request.filter = kOutputFilter;
   output_request.initial_dir = ctx.convert.assemble_dir;
   output_request.default_name = ReplaceExtension(name, "IFO");
-  output_request.flags = kOfnHideReadOnly | kOfnPathMustExist;
+  output_request.flags = kChooserHideReadOnly | kChooserPathMustExist;
   std::optional<std::string> output = ctx.ui.ChooseSaveFile(output_request);
   if (!output) return;
   ctx.convert.output_path = *output;

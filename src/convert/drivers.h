@@ -1,12 +1,10 @@
 // The IFO report, disassembly and assembly drivers.
 #pragma once
 
-#include "app/context.h"
+#include "state/context.h"
 
 namespace tarvex {
 
-// Overview of the open IFO: clears the list and shows one heading line per table.
-void ShowIfoOverview(AppContext& ctx);
 // Details command on an IFO: toggles between the overview and the selected table's report.
 void ShowIfoDetails(AppContext& ctx);
 // Extract > "Disassemble *.IFO file to *.INI file".

@@ -92,7 +92,7 @@ class VobSetScanner {
       if (high_mux_packs_++ == 0) high_mux_ = {record, mux};
     }
     std::uint32_t stream = 0;
-    std::int32_t type = get_sector_type(pack, stream);
+    std::int32_t type = GetSectorType(pack, stream);
     std::optional<NavPackFields> nav;
     if (type == kSectorNavigation) {
       nav = DecodeNavPack(pack);

@@ -24,7 +24,7 @@ constexpr std::string_view kIllegalSector = "Illegal sector type, aborting extra
 constexpr std::string_view kUnknownSector = "Unknown sector type, aborting extract operation!";
 constexpr std::string_view kNothingFound = "End of file, no audio sectors found!";
 constexpr std::string_view kFileSystemError = "File system error!";
-constexpr std::uint32_t kSaveFlags = kOfnHideReadOnly | kOfnFileMustExist;  // 0x1004
+constexpr std::uint32_t kSaveFlags = kChooserHideReadOnly | kChooserFileMustExist;  // 0x1004
 
 // The wait cursor of one run: switched on before a file is created, back off when the run
 // ends or a creation fails.
@@ -210,7 +210,7 @@ void ExtractAudio(AppContext& ctx) {
   for (;;) {
     if (reader.Next() == 0) break;
     ByteView record = reader.view();
-    std::int32_t type = get_sector_type(record, ctx.stream.stream_number);
+    std::int32_t type = GetSectorType(record, ctx.stream.stream_number);
     if (type == kSectorIllegal) {
       // The files are left as they are: WAV headers are not patched.
       AbortOnIllegalSector(ctx, reader, type);
@@ -269,7 +269,7 @@ bool FindFirstPack(AppContext& ctx, RecordReader& reader, std::int32_t wanted) {
       ctx.AddReportLine(kNothingFound);
       return false;
     }
-    std::int32_t type = get_sector_type(reader.view(), ctx.stream.stream_number);
+    std::int32_t type = GetSectorType(reader.view(), ctx.stream.stream_number);
     if (type == kSectorIllegal) {
       AbortOnIllegalSector(ctx, reader, type);
       return false;
@@ -297,7 +297,7 @@ void CopyPacks(AppContext& ctx, RecordReader& reader, OutputFile& out, std::int3
   reader.Rewind();
   while (reader.Next() != 0) {
     ByteView record = reader.view();
-    std::int32_t type = get_sector_type(record, ctx.stream.stream_number);
+    std::int32_t type = GetSectorType(record, ctx.stream.stream_number);
     if (type == kSectorIllegal) {
       out.Close();
       AbortOnIllegalSector(ctx, reader, type);

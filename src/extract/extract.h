@@ -4,7 +4,7 @@
 // through the save chooser of the user interface; progress and errors go to the report list.
 #pragma once
 
-#include "app/context.h"
+#include "state/context.h"
 
 namespace tarvex {
 

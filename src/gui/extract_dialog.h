@@ -3,7 +3,7 @@
 
 #include <QDialog>
 
-#include "app/context.h"
+#include "state/context.h"
 
 class QCheckBox;
 

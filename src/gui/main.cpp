@@ -3,9 +3,9 @@
 #include <QApplication>
 
 #include "app/batch_args.h"
-#include "app/context.h"
 #include "gui/main_window.h"
 #include "gui/qt_ui.h"
+#include "state/context.h"
 
 int main(int argc, char** argv) {
   tarvex::gui::QtUi ui;

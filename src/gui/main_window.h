@@ -5,7 +5,7 @@
 #include <QDialog>
 #include <functional>
 
-#include "app/context.h"
+#include "state/context.h"
 
 class QListView;
 class QPushButton;

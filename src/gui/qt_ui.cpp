@@ -59,8 +59,8 @@ std::optional<std::string> QtUi::ChooseSaveFile(const ChooserRequest& request) {
 
 std::optional<std::string> QtUi::Choose(const ChooserRequest& request, bool save) {
   QFileDialog dialog(parent_);
-  // Qt's own dialog matches the filter without regard to case, as the original's file system
-  // did ("*.VOB" shows vts_01_1.vob too).
+  // Qt's own dialog matches the filter without regard to case, as every file name of the tool
+  // is compared ("*.VOB" shows vts_01_1.vob too).
   dialog.setOption(QFileDialog::DontUseNativeDialog, true);
   // Overwriting is asked by the commands themselves where they want it.
   dialog.setOption(QFileDialog::DontConfirmOverwrite, true);
@@ -68,8 +68,8 @@ std::optional<std::string> QtUi::Choose(const ChooserRequest& request, bool save
   if (save) {
     dialog.setFileMode(QFileDialog::AnyFile);
   } else {
-    dialog.setFileMode((request.flags & kOfnFileMustExist) != 0 ? QFileDialog::ExistingFile
-                                                                : QFileDialog::AnyFile);
+    dialog.setFileMode((request.flags & kChooserFileMustExist) != 0 ? QFileDialog::ExistingFile
+                                                                    : QFileDialog::AnyFile);
   }
   QString filter = QtFilterFromPairs(request.filter);
   if (!filter.isEmpty()) dialog.setNameFilters(filter.split(QStringLiteral(";;")));

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <functional>
 
-#include "app/report_list.h"
+#include "state/report_list.h"
 
 namespace tarvex::gui {
 

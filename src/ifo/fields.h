@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "app/context.h"
 #include "platform/bytes.h"
+#include "state/context.h"
 
 namespace tarvex {
 

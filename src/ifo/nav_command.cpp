@@ -149,7 +149,7 @@ std::string DescribeJump(const NavCommand& c) {
 
 }  // namespace
 
-std::string describe_nav_command(ByteView command) {
+std::string DescribeNavCommand(ByteView command) {
   NavCommand c{};
   for (std::size_t i = 0; i < 8; ++i) c.b[i] = command.u8(i);  // missing bytes read as 0
 

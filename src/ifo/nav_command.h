@@ -8,6 +8,6 @@
 namespace tarvex {
 
 // The text that follows a command's hex digits on its report line (it starts with a blank).
-std::string describe_nav_command(ByteView command);
+std::string DescribeNavCommand(ByteView command);
 
 }  // namespace tarvex

@@ -6,10 +6,10 @@
 #include <cstdint>
 #include <vector>
 
-#include "app/context.h"
-#include "ifo/opened_table_state.h"
 #include "platform/bytes.h"
 #include "platform/file_io.h"
+#include "state/context.h"
+#include "state/opened_table_state.h"
 
 namespace tarvex {
 

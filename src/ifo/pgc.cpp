@@ -153,7 +153,7 @@ std::size_t CommandPosition(ByteView pgc, std::size_t cmdt, int kind, std::uint3
 
 }  // namespace
 
-void pgc_report(AppContext& ctx, int indent, ByteView base, std::size_t offset) {
+void PgcReport(AppContext& ctx, int indent, ByteView base, std::size_t offset) {
   ByteView pgc = base.sub(offset);
   std::string pad(static_cast<std::size_t>(std::max(indent, 0)), ' ');
   ReportFields(ctx, pgc, kPgcHeader, pad);
@@ -176,7 +176,7 @@ void pgc_report(AppContext& ctx, int indent, ByteView base, std::size_t offset) 
         std::string line = Format("      %d: %02x%02x%02x%02x%02x%02x%02x%02x",
                                   {n + 1, b[0], b[1], b[2], b[3], b[4], b[5], b[6], b[7]});
         std::vector<std::uint8_t> copy(b, b + 8);
-        line += describe_nav_command(ByteView(copy));
+        line += DescribeNavCommand(ByteView(copy));
         Add(ctx, pad, line);
       }
     }
@@ -248,8 +248,8 @@ void pgc_report(AppContext& ctx, int indent, ByteView base, std::size_t offset) 
   }
 }
 
-void pgc_disassemble(AppContext& ctx, ByteView base, std::size_t offset, std::string_view prefix,
-                     std::string_view section) {
+void PgcDisassemble(AppContext& ctx, ByteView base, std::size_t offset, std::string_view prefix,
+                    std::string_view section) {
   ByteView pgc = base.sub(offset);
   DisassembleFields(ctx, pgc, kPgcHeader, section, prefix);
   std::string p(prefix);
@@ -307,7 +307,7 @@ void pgc_disassemble(AppContext& ctx, ByteView base, std::size_t offset, std::st
   }
 }
 
-void pgc_assemble(AppContext& ctx, std::string_view section, std::string_view prefix) {
+void PgcAssemble(AppContext& ctx, std::string_view section, std::string_view prefix) {
   PgcAssembly& a = ctx.ifo.pgc;
   a = PgcAssembly{};
   std::string p(prefix);
@@ -403,7 +403,7 @@ void pgc_assemble(AppContext& ctx, std::string_view section, std::string_view pr
              std::span<const FieldDesc>(kPgcHeader).subspan(1), section, kMissingCaption, prefix);
 }
 
-std::uint16_t pgc_layout(AppContext& ctx) {
+std::uint16_t PgcLayout(AppContext& ctx) {
   PgcAssembly& a = ctx.ifo.pgc;
   ByteWriter header(a.header);
   std::uint16_t size = kPgcHeaderSize;
@@ -431,7 +431,7 @@ std::uint16_t pgc_layout(AppContext& ctx) {
   return size;
 }
 
-std::uint32_t pgc_copy_out(AppContext& ctx, std::span<std::uint8_t> buffer) {
+std::uint32_t PgcCopyOut(AppContext& ctx, std::span<std::uint8_t> buffer) {
   PgcAssembly& a = ctx.ifo.pgc;
   std::size_t pos = 0;
   bool overflow = false;
@@ -460,9 +460,9 @@ std::uint32_t pgc_copy_out(AppContext& ctx, std::span<std::uint8_t> buffer) {
 
 std::vector<std::uint8_t> AssembleChainBytes(AppContext& ctx, std::string_view section,
                                              std::string_view prefix) {
-  pgc_assemble(ctx, section, prefix);
-  std::vector<std::uint8_t> bytes(pgc_layout(ctx), 0);
-  pgc_copy_out(ctx, bytes);
+  PgcAssemble(ctx, section, prefix);
+  std::vector<std::uint8_t> bytes(PgcLayout(ctx), 0);
+  PgcCopyOut(ctx, bytes);
   return bytes;
 }
 

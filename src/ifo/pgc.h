@@ -8,28 +8,28 @@
 #include <string_view>
 #include <vector>
 
-#include "app/context.h"
-#include "ifo/opened_table_state.h"
-#include "ifo/pgci_state.h"
 #include "platform/bytes.h"
+#include "state/context.h"
+#include "state/opened_table_state.h"
+#include "state/pgci_state.h"
 
 namespace tarvex {
 
 inline constexpr std::uint32_t kPgcHeaderSize = 236;
 
 // Reports the chain at base + offset; every line starts with indent blanks.
-void pgc_report(AppContext& ctx, int indent, ByteView base, std::size_t offset);
+void PgcReport(AppContext& ctx, int indent, ByteView base, std::size_t offset);
 // Writes the chain at base + offset as prefix + field keys into section.
-void pgc_disassemble(AppContext& ctx, ByteView base, std::size_t offset, std::string_view prefix,
-                     std::string_view section);
+void PgcDisassemble(AppContext& ctx, ByteView base, std::size_t offset, std::string_view prefix,
+                    std::string_view section);
 // Reads a chain from the IfoSource into the assembly state (ctx.ifo.pgc).
-void pgc_assemble(AppContext& ctx, std::string_view section, std::string_view prefix);
+void PgcAssemble(AppContext& ctx, std::string_view section, std::string_view prefix);
 // Lays out the assembled chain, fills the four offsets of its header and returns its size
 // in bytes (kept as a 16-bit value).
-std::uint16_t pgc_layout(AppContext& ctx);
+std::uint16_t PgcLayout(AppContext& ctx);
 // Copies the assembled chain into buffer (its size is the capacity); returns the bytes
 // written. Frees both cell lists.
-std::uint32_t pgc_copy_out(AppContext& ctx, std::span<std::uint8_t> buffer);
+std::uint32_t PgcCopyOut(AppContext& ctx, std::span<std::uint8_t> buffer);
 
 // Reads one program chain from section with the key prefix and returns its bytes as laid out
 // for writing (assemble, lay out, copy out).

@@ -244,7 +244,7 @@ void ReportLanguageUnits(AppContext& ctx, const Instance& in) {
       std::size_t at = kHeaderSize + kPointerSize * (p - 1);
       ctx.AddReportLine(Format(in.pgc_category_line, {p, b.be32(at)}));
       ctx.AddReportLine(Format(in.pgc_address_line, {p, b.be32(at + 4)}));
-      pgc_report(ctx, 4, b, b.be32(at + 4));
+      PgcReport(ctx, 4, b, b.be32(at + 4));
     }
   }
 }
@@ -266,7 +266,7 @@ void DisassembleLanguageUnits(AppContext& ctx, const Instance& in) {
       std::string section = Format(in.pgc_section, {n, p});
       WriteSourceValue(ctx, section, in.pgc_category_key, Format("%08x", {b.be32(at)}));
       WriteSourceValue(ctx, section, in.pgc_address_key, Format("%d", {b.be32(at + 4)}));
-      pgc_disassemble(ctx, b, b.be32(at + 4), in.pgc_prefix, section);
+      PgcDisassemble(ctx, b, b.be32(at + 4), in.pgc_prefix, section);
     }
   }
 }

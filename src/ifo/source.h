@@ -8,10 +8,10 @@
 #include <string_view>
 #include <vector>
 
-#include "app/context.h"
 #include "platform/bytes.h"
 #include "platform/decimal.h"
 #include "platform/file_io.h"
+#include "state/context.h"
 
 namespace tarvex {
 

@@ -3,7 +3,7 @@
 // that has nothing to do in one operation leaves it empty (nullptr).
 //
 // Adding a table kind: write src/ifo/<table>.{h,cpp} with a `const TableModule` for its
-// TableId, keep its image and loaded entries in a struct of IfoState (ifo/ifo_state.h), take
+// TableId, keep its image and loaded entries in a struct of IfoState (state/ifo_state.h), take
 // its start sector from VmgiMatState or TitleSetStartSector, and list the module in
 // registry.cpp. The drivers and the information tables already call every kind in the
 // right order.
@@ -12,8 +12,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "app/context.h"
 #include "platform/file_io.h"
+#include "state/context.h"
 
 namespace tarvex {
 

@@ -83,7 +83,7 @@ constexpr FieldDesc kVmgiMat[] = {
      .form = SourceForm::kVersion,
      .load = LoadRule::kVersion,
      .style = ReportStyle::kVersion,
-     .report = "Format version number: %d.%d"},  // the disc's version field, vern
+     .report = "Specification version number: %d.%d"},  // the disc's version field, vern
     {.key = "vmg_cat",
      .offset = 34,
      .width = 4,
@@ -247,7 +247,7 @@ void ReportVideoManager(AppContext& ctx) {
   ReportFields(ctx, image, kVmgiMat);
   if (ctx.ifo.vmgi_mat.fp_pgci_sa != 0) {
     ctx.AddReportLine("VMG First Play PGC:");
-    pgc_report(ctx, 2, image, kFirstPlayOffset);
+    PgcReport(ctx, 2, image, kFirstPlayOffset);
   } else {
     ctx.AddReportLine("VMG has no First Play PGC");
   }
@@ -258,7 +258,7 @@ void DisassembleVideoManager(AppContext& ctx) {
   ByteView image(ctx.ifo.vmgi_mat.image);
   DisassembleFields(ctx, image, kVmgiMat, kSection);
   if (ctx.ifo.vmgi_mat.fp_pgci_sa != 0) {
-    pgc_disassemble(ctx, image, kFirstPlayOffset, "pgc_", "fp_pgci");
+    PgcDisassemble(ctx, image, kFirstPlayOffset, "pgc_", "fp_pgci");
   }
 }
 
@@ -281,15 +281,15 @@ void AssembleVideoManager(AppContext& ctx, File& out, const std::string& output_
   std::uint32_t vmgi_mat_ea = 1023;
   if (ReadSourceValue(ctx, "fp_pgci", "pgc_cnt", value)) {
     w.put_be32(132, kFirstPlayOffset);
-    pgc_assemble(ctx, "fp_pgci", "pgc_");
-    std::uint32_t size = pgc_layout(ctx);
+    PgcAssemble(ctx, "fp_pgci", "pgc_");
+    std::uint32_t size = PgcLayout(ctx);
     if (size > kFirstPlayMaxSize) {
       ctx.ui.ShowMessage("First Play PGC size exceeds maximum size allowed",
                          "Source code format error!");
       ctx.ifo.pgc = PgcAssembly{};
       return;
     }
-    pgc_copy_out(ctx, std::span<std::uint8_t>(image).subspan(kFirstPlayOffset, size));
+    PgcCopyOut(ctx, std::span<std::uint8_t>(image).subspan(kFirstPlayOffset, size));
     vmgi_mat_ea = 1023 + size;
   }
   w.put_be32(128, vmgi_mat_ea);

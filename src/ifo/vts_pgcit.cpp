@@ -58,7 +58,7 @@ void ReportPgcit(AppContext& ctx) {
     ctx.AddReportLine(Format("  VTS_PGCI memory offset address %d: %d", {n, offset}));
     ctx.AddReportLine(Format("    Program Chain Information Table (PGCI) %d", {n}));
     // Chain offsets count from the start of the table; one inside the header reads as nothing.
-    pgc_report(ctx, 5, BodyAt(view, offset), 0);
+    PgcReport(ctx, 5, BodyAt(view, offset), 0);
   }
 }
 
@@ -75,7 +75,7 @@ void DisassemblePgcit(AppContext& ctx) {
     WriteSourceValue(ctx, kSection, Format("vts_pgc_cat%02d", {n}),
                      Format("%08x", {view.be32(at)}));
     WriteSourceValue(ctx, kSection, Format("vts_pgci_sa%02d", {n}), Format("%d", {offset}));
-    pgc_disassemble(ctx, BodyAt(view, offset), 0, kPgcPrefix, Format("vts_pgcit%02d", {n}));
+    PgcDisassemble(ctx, BodyAt(view, offset), 0, kPgcPrefix, Format("vts_pgcit%02d", {n}));
   }
 }
 

@@ -6,9 +6,9 @@
 #include <cstdint>
 #include <string>
 
-#include "app/context.h"
 #include "ifo/table.h"
 #include "platform/file_io.h"
+#include "state/context.h"
 
 namespace tarvex {
 

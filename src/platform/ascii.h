@@ -1,5 +1,5 @@
-// Comparisons without regard to ASCII case, as the file system and the profile files of the
-// original platform make them (bytes above 0x7F compare as they are).
+// Comparisons without regard to ASCII case, as file names, extensions and profile sections and
+// keys are compared (bytes above 0x7F compare as they are).
 #pragma once
 
 #include <cstddef>

@@ -45,7 +45,8 @@ namespace tarvex {
 
 class ProfileDocument;  // one parsed file (profile.cpp)
 
-// Longest value a look-up returns, in bytes (the 256-byte buffer of the original callers).
+// Longest value a look-up returns, in bytes: a longer value is cut to this length, as a caller's
+// 256-byte buffer with its terminating zero would hold it.
 inline constexpr std::size_t kProfileValueMax = 255;
 
 class ProfileStore {

@@ -22,17 +22,19 @@ enum class ChooserPurpose {
   kAssemblyOutput,     // the *.IFO written by the interactive assembly
 };
 
-// Option bits of the original choosers, passed along for information.
-inline constexpr std::uint32_t kOfnHideReadOnly = 0x0004;
-inline constexpr std::uint32_t kOfnPathMustExist = 0x0800;
-inline constexpr std::uint32_t kOfnFileMustExist = 0x1000;
+// Option bits of a chooser request. A front end honours those it can (the desktop tool's
+// chooser accepts only an existing file when asked to); the others are passed along for
+// information.
+inline constexpr std::uint32_t kChooserHideReadOnly = 0x0004;   // no read-only check box
+inline constexpr std::uint32_t kChooserPathMustExist = 0x0800;  // the folder must exist
+inline constexpr std::uint32_t kChooserFileMustExist = 0x1000;  // the file must exist
 
 struct ChooserRequest {
   ChooserPurpose purpose = ChooserPurpose::kOpenInput;
   std::string filter;        // "Description(*.X)|*.X|" pairs
   std::string initial_dir;   // folder to start in
   std::string default_name;  // proposed file name (may be empty)
-  std::uint32_t flags = 0;   // kOfn* bits
+  std::uint32_t flags = 0;   // kChooser* bits
 };
 
 class UserInterface {

@@ -3,8 +3,8 @@
 
 #include <cstdint>
 
-#include "app/context.h"
 #include "platform/bytes.h"
+#include "state/context.h"
 
 namespace tarvex {
 

@@ -14,7 +14,7 @@ namespace tarvex {
 void ShowRecordDetails(AppContext& ctx) {
   std::array<std::uint8_t, RECORD_SIZE> buf{};
   const std::uint32_t record_number = ctx.open.page_end;
-  const std::int64_t address = record_file_offset(ctx, record_number);
+  const std::int64_t address = RecordFileOffset(ctx, record_number);
   File& file = ctx.open.file_handle;
   file.Seek(address);
   file.Read(buf.data(), buf.size());  // a short read leaves zeros behind the bytes it got
@@ -23,7 +23,7 @@ void ShowRecordDetails(AppContext& ctx) {
       Format("Details display of record %ld at file address %ld", {record_number, address}));
 
   const ByteView record(buf.data(), buf.size());
-  const std::int32_t type = get_sector_type(record, ctx.stream.stream_number);
+  const std::int32_t type = GetSectorType(record, ctx.stream.stream_number);
   switch (type) {
     case kSectorIllegal:
       ShowErrorDump(ctx, "Illegal sector type, no details available!", file.Tell(), type);

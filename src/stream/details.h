@@ -1,7 +1,7 @@
 // The details view of one record: pack and PES headers and the elementary-stream details.
 #pragma once
 
-#include "app/context.h"
+#include "state/context.h"
 
 namespace tarvex {
 

@@ -7,14 +7,14 @@
 
 namespace tarvex {
 
-std::int64_t record_file_offset(const AppContext& ctx, std::uint32_t record) {
+std::int64_t RecordFileOffset(const AppContext& ctx, std::uint32_t record) {
   return ctx.open.file_type == kFileVob ? static_cast<std::int64_t>(record) << 11 : 0;
 }
 
 void ShowRecordHex(AppContext& ctx, bool append) {
   std::array<std::uint8_t, RECORD_SIZE> buf{};
   std::uint32_t record = ctx.open.page_end;
-  std::int64_t address = record_file_offset(ctx, record);
+  std::int64_t address = RecordFileOffset(ctx, record);
   ctx.open.file_handle.Seek(address);
   ctx.open.file_handle.Read(buf.data(), buf.size());
   if (!append) ctx.ClearReportList();

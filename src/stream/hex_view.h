@@ -5,12 +5,12 @@
 #include <cstdint>
 #include <string_view>
 
-#include "app/context.h"
+#include "state/context.h"
 
 namespace tarvex {
 
 // File address of a record: record x 2048 for a VOB, 0 for every other file type.
-std::int64_t record_file_offset(const AppContext& ctx, std::uint32_t record);
+std::int64_t RecordFileOffset(const AppContext& ctx, std::uint32_t record);
 
 // Hex view of record page_end: title, blank line and 128 rows of 16 bytes. Clears the list
 // first unless append is set.

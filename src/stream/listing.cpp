@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "convert/drivers.h"
+#include "ifo/overview.h"
 #include "platform/decimal.h"
 #include "platform/format.h"
 #include "stream/details.h"
@@ -133,7 +133,7 @@ const char* BasicLabel(std::int32_t type) {
   }
 }
 
-// The state of one list_page call: its reader, its two buffers (zeroed at the start; a short
+// The state of one ListPage call: its reader, its two buffers (zeroed at the start; a short
 // read leaves the previous record's bytes behind the bytes it got) and its line buffer.
 struct PageLister {
   AppContext& ctx;
@@ -147,7 +147,7 @@ struct PageLister {
     ByteView rec(record.data(), record.size());
     VideoScan scan;  // frame number, frame type and GOP flag start at -1
     std::uint32_t pts = 0, dts = 0;
-    const std::int32_t type = get_sector_type(rec, ctx.stream.stream_number);
+    const std::int32_t type = GetSectorType(rec, ctx.stream.stream_number);
     if (type == kSectorMpegAudio) {
       AppendFormat(line, DetailedLabel(type), {type - kSectorMpegAudio});  // always 0
     } else {
@@ -158,14 +158,14 @@ struct PageLister {
       reader.Seek(RecordAddress(r));
       reader.Read(pair.data(), pair.size());
       reader.Seek(RecordAddress(r) + RECORD_SIZE);
-      scan_video_headers(ByteView(pair.data(), pair.size()), scan);
+      ScanVideoHeaders(ByteView(pair.data(), pair.size()), scan);
     }
     if (type >= kSectorVideo && type <= kSectorMpegAudio && type != kSectorNavigation) {
-      pts = pes_pts(rec);
-      dts = pes_dts(rec);
+      pts = PesPts(rec);
+      dts = PesDts(rec);
     }
-    const std::uint32_t base = scr_base(rec.sub(4));
-    const std::uint32_t ext = scr_extension(rec.sub(4));
+    const std::uint32_t base = ScrBase(rec.sub(4));
+    const std::uint32_t ext = ScrExtension(rec.sub(4));
     if (ext > kMaxScrExtension) {
       ctx.AddReportLine("****** SCR Clock Error on next, SCR remainder error!");
     }
@@ -189,11 +189,11 @@ struct PageLister {
 
   void ListBasic() {
     ByteView rec(record.data(), record.size());
-    const std::uint32_t base = scr_base(rec.sub(4));
-    const std::uint32_t ext = scr_extension(rec.sub(4));
+    const std::uint32_t base = ScrBase(rec.sub(4));
+    const std::uint32_t ext = ScrExtension(rec.sub(4));
     AppendFormat(line, " SCR = %08ld.%03ld SCR Delta = %03ld", {base, ext, base - previous_base});
     previous_base = base;
-    line += BasicLabel(get_sector_type(rec, ctx.stream.stream_number));
+    line += BasicLabel(GetSectorType(rec, ctx.stream.stream_number));
     ctx.AddReportLine(line);
   }
 
@@ -221,7 +221,7 @@ void ShowCurrentView(AppContext& ctx) {
   } else if (ctx.stream.details_mode == 1) {
     ShowRecordDetails(ctx);
   } else {
-    list_page(ctx, ctx.open.page_end - PAGE_RECORDS, ctx.open.page_end);
+    ListPage(ctx, ctx.open.page_end - PAGE_RECORDS, ctx.open.page_end);
   }
 }
 
@@ -231,7 +231,7 @@ std::uint32_t PageEndOf(std::int32_t scroll_page) {
 
 }  // namespace
 
-void list_page(AppContext& ctx, std::uint32_t first, std::uint32_t end) {
+void ListPage(AppContext& ctx, std::uint32_t first, std::uint32_t end) {
   File& file = ctx.open.file_handle;
   if (ctx.open.file_type == kFileIfo) {
     file.Seek(0);
@@ -302,17 +302,17 @@ void ScrollEnded(AppContext& ctx) {
   }
   // The threshold is 16 pages, not 1.
   open.page_end = open.scroll_page > 16 ? PageEndOf(open.scroll_page) : PAGE_RECORDS;
-  list_page(ctx, open.page_end - PAGE_RECORDS, open.page_end);
+  ListPage(ctx, open.page_end - PAGE_RECORDS, open.page_end);
 }
 
 void ListPageAfterView(AppContext& ctx) {
   OpenFileState& open = ctx.open;
   if (open.page_end >= PAGE_RECORDS) {
     open.page_end += 1;
-    list_page(ctx, open.page_end - PAGE_RECORDS, open.page_end);
+    ListPage(ctx, open.page_end - PAGE_RECORDS, open.page_end);
   } else {
     open.page_end = PAGE_RECORDS;
-    list_page(ctx, 0, PAGE_RECORDS);
+    ListPage(ctx, 0, PAGE_RECORDS);
   }
 }
 

@@ -4,12 +4,12 @@
 #include <cstdint>
 #include <string_view>
 
-#include "app/context.h"
+#include "state/context.h"
 
 namespace tarvex {
 
 // Clears the list and lists records first .. end-1 (for an IFO: the IFO report).
-void list_page(AppContext& ctx, std::uint32_t first, std::uint32_t end);
+void ListPage(AppContext& ctx, std::uint32_t first, std::uint32_t end);
 
 // Scroll bar events, as the window sends them.
 void ScrollLineDown(AppContext& ctx, std::int32_t current_position);

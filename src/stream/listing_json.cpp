@@ -32,7 +32,7 @@ void WritePack(JsonWriter& j, std::uint32_t record, ByteView pack) {
     return;
   }
   std::uint32_t stream_number = 0;
-  std::int32_t type = get_sector_type(pack, stream_number);
+  std::int32_t type = GetSectorType(pack, stream_number);
   j.Member("type", PackTypeWord(type));
   std::uint64_t b4 = pack.u8(4), b5 = pack.u8(5), b6 = pack.u8(6), b7 = pack.u8(7), b8 = pack.u8(8),
                 b9 = pack.u8(9);
@@ -59,7 +59,7 @@ void WritePack(JsonWriter& j, std::uint32_t record, ByteView pack) {
   }
   j.Member("stream_id", Hex(id));
   if (id == 0xBD) {
-    j.Member("sub_stream_id", Hex(private_substream_id(pack.sub(pes))));
+    j.Member("sub_stream_id", Hex(PrivateSubstreamId(pack.sub(pes))));
   } else if (id == 0xBF) {
     j.Member("sub_stream_id", Hex(pack.u8(pes + 6)));
   }

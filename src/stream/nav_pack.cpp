@@ -140,7 +140,7 @@ void ShowPci(AppContext& ctx, ByteView rec) {
                              {b.u8(6), b.u8(7), b.u8(8), b.u8(9), n}));
     ByteView command = b.sub(10, 8);
     std::string cmd_line = Format("      Nav cmd: %08x%08x", {command.be32(0), command.be32(4)});
-    cmd_line += describe_nav_command(command);
+    cmd_line += DescribeNavCommand(command);
     ctx.AddReportLine(cmd_line);
     ctx.AddReportLine(" ");
   }

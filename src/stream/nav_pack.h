@@ -1,8 +1,8 @@
 // Details of a navigation pack: pack and system header, PCI and DSI.
 #pragma once
 
-#include "app/context.h"
 #include "platform/bytes.h"
+#include "state/context.h"
 
 namespace tarvex {
 

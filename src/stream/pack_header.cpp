@@ -8,7 +8,7 @@ namespace tarvex {
 void ShowPackHeaderLines(AppContext& ctx, ByteView record) {
   ctx.AddReportLine(Format("pack_start_code %lx", {record.be32(0)}));
   ByteView scr = record.sub(4);
-  ctx.AddReportLine(Format("   SCR = %08ld.%03ld", {scr_base(scr), scr_extension(scr)}));
+  ctx.AddReportLine(Format("   SCR = %08ld.%03ld", {ScrBase(scr), ScrExtension(scr)}));
   std::uint32_t rate = record.be32(10) >> 10;  // units of 50 bytes per second
   ctx.AddReportLine(
       Format("    program_mux_rate = %ld, %ld BPS %ld bps", {rate, rate * 50, rate * 400}));

@@ -2,8 +2,8 @@
 // of navigation packs.
 #pragma once
 
-#include "app/context.h"
 #include "platform/bytes.h"
+#include "state/context.h"
 
 namespace tarvex {
 

@@ -4,8 +4,8 @@
 
 #include <cstddef>
 
-#include "app/context.h"
 #include "platform/bytes.h"
+#include "state/context.h"
 
 namespace tarvex {
 

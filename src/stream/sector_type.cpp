@@ -18,7 +18,7 @@ bool IsMpegAudioStream(std::uint32_t code) {
 
 // Classifies a private stream 1 packet by its sub-stream id.
 std::int32_t SubStreamType(ByteView packet, std::uint32_t& stream_number) {
-  std::uint8_t s = private_substream_id(packet);
+  std::uint8_t s = PrivateSubstreamId(packet);
   if (s == 0x48 || s == 0xFF) return kSectorIllegal;
   stream_number = s;
   if (s >= 0x20 && s <= 0x2F) return kSectorSubPicture;
@@ -53,7 +53,7 @@ std::int32_t TypeBehindSystemHeader(ByteView record, std::uint32_t& stream_numbe
 
 }  // namespace
 
-std::int32_t get_sector_type(ByteView record, std::uint32_t& stream_number) {
+std::int32_t GetSectorType(ByteView record, std::uint32_t& stream_number) {
   std::uint32_t c = record.be32(14);
   if (c == kSystemHeader) return TypeBehindSystemHeader(record, stream_number);
   if (c == kPrivateStream1) return SubStreamType(record.sub(14), stream_number);
@@ -70,7 +70,7 @@ std::int32_t get_sector_type(ByteView record, std::uint32_t& stream_number) {
   return kSectorIllegal;
 }
 
-std::uint8_t private_substream_id(ByteView p) {
+std::uint8_t PrivateSubstreamId(ByteView p) {
   std::size_t i = 9;
   if ((p.u8(7) & 0xC0) != 0) {
     if ((p.u8(9) & 0xF0) == 0x20) i = 14;
@@ -81,7 +81,7 @@ std::uint8_t private_substream_id(ByteView p) {
   return p.u8(i);
 }
 
-std::uint32_t scr_base(ByteView b) {
+std::uint32_t ScrBase(ByteView b) {
   std::uint32_t b4 = b.u8(0), b5 = b.u8(1), b6 = b.u8(2), b7 = b.u8(3), b8 = b.u8(4);
   std::uint32_t byte3 = ((((b4 & 0x18) >> 1) | (b4 & 0x03)) << 4 | (b5 >> 4)) & 0xFF;
   std::uint32_t byte2 = ((b5 << 4) | (b6 >> 4)) & 0xFF;
@@ -90,7 +90,7 @@ std::uint32_t scr_base(ByteView b) {
   return (byte3 << 24) | (byte2 << 16) | (byte1 << 8) | byte0;
 }
 
-std::uint32_t scr_extension(ByteView b) {
+std::uint32_t ScrExtension(ByteView b) {
   return ((b.u8(4) & 0x03u) << 7) | (b.u8(5) >> 1);
 }
 
@@ -100,12 +100,12 @@ std::uint32_t DecodePts(ByteView f) {
   return (((b0 >> 1) & 0x07u) << 30) | (b1 << 22) | ((b2 >> 1) << 15) | (b3 << 7) | (b4 >> 1);
 }
 
-std::uint32_t pes_pts(ByteView record) {
+std::uint32_t PesPts(ByteView record) {
   std::uint8_t flags = record.u8(21) & 0xC0;
   return flags == 0xC0 || flags == 0x80 ? DecodePts(record.sub(23)) : 0;
 }
 
-std::uint32_t pes_dts(ByteView record) {
+std::uint32_t PesDts(ByteView record) {
   return (record.u8(21) & 0xC0) == 0xC0 ? DecodePts(record.sub(28)) : 0;
 }
 
@@ -134,7 +134,7 @@ void NotePicture(ByteView buf, std::size_t i, VideoScan& scan) {
 
 }  // namespace
 
-void scan_video_headers(ByteView buf, VideoScan& scan) {
+void ScanVideoHeaders(ByteView buf, VideoScan& scan) {
   if (buf.size() < kVideoScanLast + 4) {
     for (std::size_t i = 0; i <= kVideoScanLast; ++i) {
       std::uint32_t w = buf.be32(i);

@@ -24,24 +24,24 @@ enum SectorType : std::int32_t {
 // Classifies a record. Sets stream_number to the stream id (video, MPEG audio) or the private
 // stream 1 sub-stream id, to 0 for a navigation pack behind a system header and for an
 // unrecognised sub-stream, and leaves it unchanged otherwise.
-std::int32_t get_sector_type(ByteView record, std::uint32_t& stream_number);
+std::int32_t GetSectorType(ByteView record, std::uint32_t& stream_number);
 
 // The byte after the PES header of a private stream 1 packet that starts at packet[0].
-std::uint8_t private_substream_id(ByteView packet);
+std::uint8_t PrivateSubstreamId(ByteView packet);
 
 // Bits 31..0 of the 33-bit SCR base and the 9-bit SCR extension; pack points at byte 4 of the
 // pack header.
-std::uint32_t scr_base(ByteView pack);
-std::uint32_t scr_extension(ByteView pack);
+std::uint32_t ScrBase(ByteView pack);
+std::uint32_t ScrExtension(ByteView pack);
 
 // A 5-byte PTS or DTS field in 90 kHz ticks (bit 32 of the time stamp is lost).
 std::uint32_t DecodePts(ByteView field);
 
 // PTS and DTS of the PES packet at offset 14 of the record; 0 when absent.
-std::uint32_t pes_pts(ByteView record);
-std::uint32_t pes_dts(ByteView record);
+std::uint32_t PesPts(ByteView record);
+std::uint32_t PesDts(ByteView record);
 
-// What scan_video_headers finds in a record and the one after it.
+// What ScanVideoHeaders finds in a record and the one after it.
 struct VideoScan {
   std::int32_t frame_number = -1;
   std::int32_t frame_type = -1;
@@ -53,6 +53,6 @@ struct VideoScan {
 };
 
 // Scans 4096 bytes (this record and the next) for group of pictures and picture start codes.
-void scan_video_headers(ByteView buf, VideoScan& scan);
+void ScanVideoHeaders(ByteView buf, VideoScan& scan);
 
 }  // namespace tarvex

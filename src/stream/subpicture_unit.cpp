@@ -58,7 +58,7 @@ std::size_t DecodeCommand(AppContext& ctx, ByteView seq, std::size_t i) {
 
 }  // namespace
 
-void decode_subpicture_unit(AppContext& ctx, std::uint32_t record) {
+void DecodeSubpictureUnit(AppContext& ctx, std::uint32_t record) {
   constexpr std::size_t kSize = RECORD_SIZE;
   std::array<std::uint8_t, kSize> buf{};
   ByteView view(buf.data(), buf.size());

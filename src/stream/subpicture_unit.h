@@ -3,10 +3,10 @@
 
 #include <cstdint>
 
-#include "app/context.h"
+#include "state/context.h"
 
 namespace tarvex {
 
-void decode_subpicture_unit(AppContext& ctx, std::uint32_t record);
+void DecodeSubpictureUnit(AppContext& ctx, std::uint32_t record);
 
 }  // namespace tarvex

@@ -2,8 +2,8 @@
 // headers and the picture coding extension, with the values DVD-Video does not allow flagged.
 #pragma once
 
-#include "app/context.h"
 #include "platform/bytes.h"
+#include "state/context.h"
 
 namespace tarvex {
 

@@ -7,6 +7,7 @@
 
 #include "convert/drivers.h"
 #include "extract/extract.h"
+#include "ifo/overview.h"
 #include "stream/listing.h"
 #include "support/test_support.h"
 

@@ -22,7 +22,7 @@ TEST(SaveReport, ChooserAsksForATextFileStartingInTheHomeFolder) {
   EXPECT_EQ(r.filter, "Text File(*.TXT)|*.TXT|");
   EXPECT_EQ(r.initial_dir, HomeDirectory());
   EXPECT_EQ(r.default_name, "");
-  EXPECT_EQ(r.flags, kOfnPathMustExist | kOfnHideReadOnly);
+  EXPECT_EQ(r.flags, kChooserPathMustExist | kChooserHideReadOnly);
 }
 
 TEST(SaveReport, CancelledChooserWritesNothing) {

@@ -15,32 +15,8 @@ namespace {
 
 using test::Fixture;
 
-const std::vector<std::string> kVmgOverview = {
-    "VMGI_MAT IFO File: Video Manager Information Management Table",
-    "VMGM_VOB: VMG Menu VOB starts at sector address: 1"};
-
-// The first n lines (the information table's own; the other tables' lines follow).
-std::vector<std::string> Head(const Fixture& f, std::size_t n) {
-  return {f.lines().begin(),
-          f.lines().begin() + static_cast<std::ptrdiff_t>(std::min(n, f.lines().size()))};
-}
-
-TEST(IfoOverviewTest, VideoManagerShowsItsHeadingLines) {
-  Fixture f;
-  f.OpenBytes("VIDEO_TS.IFO", test::MakeVmgImage(), kFileIfo);
-  f.ctx->AddReportLine("old line");
-  ShowIfoOverview(*f.ctx);
-  EXPECT_EQ(Head(f, 2), kVmgOverview);
-}
-
-TEST(IfoOverviewTest, TitleSetShowsItsHeadingLines) {
-  Fixture f;
-  test::OpenIfo(f, "VTS_01_0.IFO", test::MakeVtsImage());
-  EXPECT_EQ(Head(f, 3), (std::vector<std::string>{
-                            "VTSI_MAT IFO File: Video Title Set Information Management Table",
-                            "** VTSM_VOB: There is no VTS Menu VOB",
-                            "VTS_VOB: VTS VOB starts at sector address: 1"}));
-}
+using test::FirstLines;
+using test::VmgImageOverviewHead;
 
 TEST(IfoDetailsTest, HeadingLineShowsTheTableAndTheNextPressReturnsToTheOverview) {
   Fixture f;
@@ -53,7 +29,7 @@ TEST(IfoDetailsTest, HeadingLineShowsTheTableAndTheNextPressReturnsToTheOverview
   EXPECT_EQ(f.lines().back(), "VMG has no First Play PGC");
   ShowIfoDetails(*f.ctx);
   EXPECT_EQ(f.lines(), overview);
-  EXPECT_EQ(Head(f, 2), kVmgOverview);
+  EXPECT_EQ(FirstLines(f, 2), VmgImageOverviewHead());
 }
 
 TEST(IfoDetailsTest, LineMatchingNoTableDoesNothing) {

@@ -24,7 +24,7 @@ using test::PressDetailsOn;
 using test::SampleAvailable;
 
 TEST(IfoSampleDiscTest, VideoManagerOverview) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture f;
   OpenSample(f, "VIDEO_TS.IFO");
   // Identifier DVDVIDEO-VMG; vmgm_vobs_sa (bytes 192-195) = 6; the table start sectors at
@@ -47,7 +47,7 @@ TEST(IfoSampleDiscTest, VideoManagerOverview) {
 }
 
 TEST(IfoSampleDiscTest, TitleSetOverview) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture f;
   OpenSample(f, "VTS_01_0.IFO");
   // vtsm_vobs_sa (0xC0) = 9, vtstt_vobs_sa (0xC4) = 0x25; the eight table start sectors at
@@ -69,7 +69,7 @@ TEST(IfoSampleDiscTest, TitleSetOverview) {
 }
 
 TEST(IfoSampleDiscTest, VideoManagerDetails) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture f;
   OpenSample(f, "VIDEO_TS.IFO");
   PressDetailsOn(f, "VMGI_MAT");
@@ -77,7 +77,7 @@ TEST(IfoSampleDiscTest, VideoManagerDetails) {
       "VMG Identifier: DVDVIDEO-VMG",  // byte 12 (first byte of vmg_ea) is 0
       "End address of VMG: 39",        // 0x00000027
       "End address of VMGI: 5",
-      "Format version number: 1.1",  // version 1.1: byte 33 = 0x11
+      "Specification version number: 1.1",  // version 1.1: byte 33 = 0x11
       "VMG Category: 0",
       "VMG Number of Vols: 1 This Vol: 1 Disk side ID: 1",  // 0001 0001 0100
       "VMG Number of Title Sets: 1",
@@ -141,7 +141,7 @@ TEST(IfoSampleDiscTest, VideoManagerDetails) {
 }
 
 TEST(IfoSampleDiscTest, TitleSetDetails) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture f;
   OpenSample(f, "VTS_01_0.IFO");
   PressDetailsOn(f, "VTSI_MAT");
@@ -150,7 +150,7 @@ TEST(IfoSampleDiscTest, TitleSetDetails) {
                            std::string("VTS Identifier: DVDVIDEO-VTS\x0b\x05"),
                            "End address of VTS: 1291",
                            "End address of VTSI: 8",
-                           "Format version number: 1.1",  // the disc's version field, vern
+                           "Specification version number: 1.1",  // the disc's version field, vern
                            "VTS Category: 00000000",
                            "End byte address of VTSI_MAT: 2047",
                            "Start sector address of VTSM_VOBS: 9",
@@ -179,7 +179,7 @@ TEST(IfoSampleDiscTest, TitleSetDetails) {
 }
 
 TEST(IfoSampleDiscTest, VideoManagerRoundTrip) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   test::SampleRoundTrip rt = test::RunSampleRoundTrip("VIDEO_TS.IFO", "VIDEO_TS.INI");
   EXPECT_TRUE(rt.messages.empty());
   // Every table is written again in the same sectors (1 to 5 after VMGI_MAT), so the sizes,
@@ -199,7 +199,7 @@ TEST(IfoSampleDiscTest, VideoManagerRoundTrip) {
 }
 
 TEST(IfoSampleDiscTest, TitleSetRoundTrip) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   test::SampleRoundTrip rt = test::RunSampleRoundTrip("VTS_01_0.IFO", "VTS_01_0.INI");
   EXPECT_TRUE(rt.messages.empty());
   ASSERT_EQ(rt.original.size(), 9u * 2048);

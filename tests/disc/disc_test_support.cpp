@@ -32,14 +32,6 @@ void Patch(const std::string& path, std::size_t offset, const std::vector<std::u
   f.write(reinterpret_cast<const char*>(bytes.data()), static_cast<std::streamsize>(bytes.size()));
 }
 
-bool HaveCli() {
-#ifdef TARVEX_CLI_PATH
-  return true;
-#else
-  return false;
-#endif
-}
-
 CliRun RunCli(const std::vector<std::string>& args) {
   CliRun run;
 #ifdef TARVEX_CLI_PATH

@@ -21,9 +21,9 @@ struct CliRun {
   int status = -1;
   std::string out, err;
 };
-// Runs the built tarvex-cli with args (standard input from /dev/null).
+// Runs the built tarvex-cli with args (standard input from /dev/null); the tests that use it
+// are built only with the command-line tool.
 CliRun RunCli(const std::vector<std::string>& args);
-bool HaveCli();
 
 // A copy of the sample (dir/remapped) whose second audio stream, LPCM, plays through stream
 // number 3 (control 0x8300, packs with sub-stream 0xA3) instead of 1.

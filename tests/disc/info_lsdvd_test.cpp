@@ -165,7 +165,7 @@ bool HaveLsdvd() {
 }
 
 TEST(InfoLsdvd, SampleAgreesWithLsdvdOnEveryFieldBothShow) {
-  if (!HaveLsdvd()) GTEST_SKIP() << "lsdvd is not installed";
+  ASSERT_TRUE(HaveLsdvd()) << "lsdvd missing (tools/install-deps.sh test)";
   CompareWithLsdvd(test::SampleDisc(), true);
 }
 
@@ -199,7 +199,7 @@ TEST(InfoLsdvd, StreamIdsFollowTheChainsControlNotThePosition) {
   json j = Info(disc);
   EXPECT_EQ(j["titles"][0]["audio"][1]["stream_id"], "0xa3");
   EXPECT_EQ(j["titles"][0]["audio"][1]["format"], "lpcm");
-  if (!HaveLsdvd()) GTEST_SKIP() << "lsdvd is not installed";
+  ASSERT_TRUE(HaveLsdvd()) << "lsdvd missing (tools/install-deps.sh test)";
   std::vector<LsdvdTitle> lsdvd = RunLsdvd(disc);
   ASSERT_EQ(lsdvd.size(), 1u);
   EXPECT_EQ(lsdvd[0].audio[1].at("Stream id"), "0xa1");  // its guess from the position
@@ -238,9 +238,8 @@ std::string AuthoredDisc(const test::TempDir& dir) {
 }
 
 TEST(InfoLsdvd, DiscAuthoredByDvdauthorAgreesVerifiesCleanAndReadsTheSameFromItsImage) {
-  if (!test::HaveTool("ffmpeg") || !test::HaveTool("dvdauthor") || !HaveLsdvd() ||
-      !test::HaveTool("genisoimage")) {
-    GTEST_SKIP() << "ffmpeg, dvdauthor, lsdvd and genisoimage are needed";
+  for (const char* tool : {"ffmpeg", "dvdauthor", "lsdvd", "genisoimage"}) {
+    ASSERT_TRUE(test::HaveTool(tool)) << tool << " missing (tools/install-deps.sh test)";
   }
   test::TempDir dir;
   std::string disc = AuthoredDisc(dir);

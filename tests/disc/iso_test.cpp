@@ -32,7 +32,7 @@ std::optional<Disc> Load(const std::string& path) {
 }
 
 TEST(Iso, SameInfoAndVerifyAsTheFolder) {
-  if (!test::HaveTool("genisoimage")) GTEST_SKIP() << "genisoimage is not installed";
+  ASSERT_TRUE(test::HaveTool("genisoimage")) << "genisoimage missing (tools/install-deps.sh test)";
   test::TempDir dir;
   std::string iso = MakeIso(dir, test::SampleDisc());
   std::optional<Disc> image = Load(iso), folder = Load(test::SampleDisc());
@@ -52,7 +52,7 @@ TEST(Iso, SameInfoAndVerifyAsTheFolder) {
 }
 
 TEST(Iso, DamagedDiscGivesTheSameFindingsFromItsImage) {
-  if (!test::HaveTool("genisoimage")) GTEST_SKIP() << "genisoimage is not installed";
+  ASSERT_TRUE(test::HaveTool("genisoimage")) << "genisoimage missing (tools/install-deps.sh test)";
   test::TempDir dir;
   std::string disc = test::Damage(dir, "nav-cell");
   std::string iso = MakeIso(dir, disc);
@@ -62,7 +62,7 @@ TEST(Iso, DamagedDiscGivesTheSameFindingsFromItsImage) {
 }
 
 TEST(Iso, DamagedImagesGiveAnErrorOrFindingsNeverACrash) {
-  if (!test::HaveTool("genisoimage")) GTEST_SKIP() << "genisoimage is not installed";
+  ASSERT_TRUE(test::HaveTool("genisoimage")) << "genisoimage missing (tools/install-deps.sh test)";
   test::TempDir dir;
   std::string iso = MakeIso(dir, test::SampleDisc());
   std::vector<std::uint8_t> good = test::ReadFileBytes(iso);

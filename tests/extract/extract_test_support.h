@@ -87,7 +87,7 @@ inline Record PaddingPack() {
   return MakePesPack(0xBE, 0x00, {}, {});
 }
 
-// A pack get_sector_type cannot classify (no packet start code at 14).
+// A pack GetSectorType cannot classify (no packet start code at 14).
 inline Record IllegalPack() {
   return MakePackHeader();
 }

@@ -23,7 +23,7 @@ class SampleExtract : public ::testing::Test {
  protected:
   void OpenSample(const std::string& name) {
     std::string path = SamplePath(name);
-    if (!File::Exists(path)) GTEST_SKIP() << "sample " << path << " missing";
+    ASSERT_TRUE(File::Exists(path)) << "sample " << path << " missing";
     fx.ctx->open.file_handle = File::OpenRead(path);
     fx.ctx->open.file_type = kFileVob;
     fx.ctx->open.file_path = path;
@@ -52,7 +52,7 @@ const std::vector<std::string> kFirstUnitLines = {
 };
 
 TEST_F(SampleExtract, TitleSubPictureUnitsGoToTwoFilesAndTheFirstDecodes) {
-  OpenSample("VTS_01_1.VOB");
+  ASSERT_NO_FATAL_FAILURE(OpenSample("VTS_01_1.VOB"));
   fx.ui.chooser_answers.push_back(out("title.SUP"));
   ExtractSubPictures(*fx.ctx);
   EXPECT_TRUE(fx.lines().empty());
@@ -70,7 +70,7 @@ TEST_F(SampleExtract, TitleSubPictureUnitsGoToTwoFilesAndTheFirstDecodes) {
   Fixture sup;
   sup.ctx->open.file_handle = File::OpenRead(out("title000001.SUP"));
   sup.ctx->open.file_type = kFileSup;
-  decode_subpicture_unit(*sup.ctx, 0);
+  DecodeSubpictureUnit(*sup.ctx, 0);
   EXPECT_EQ(sup.lines(), kFirstUnitLines);
 
 #ifdef TARVEX_CLI_PATH
@@ -91,7 +91,7 @@ TEST_F(SampleExtract, TitleSubPictureUnitsGoToTwoFilesAndTheFirstDecodes) {
 }
 
 TEST_F(SampleExtract, MenuWithoutSequenceEndCodeGivesOneStillEqualToTheVideo) {
-  OpenSample("VIDEO_TS.VOB");
+  ASSERT_NO_FATAL_FAILURE(OpenSample("VIDEO_TS.VOB"));
   fx.ui.chooser_answers.push_back(out("menu.M2V"));
   fx.ui.chooser_answers.push_back(out("video.M2V"));
   ExtractStills(*fx.ctx);
@@ -112,7 +112,7 @@ TEST_F(SampleExtract, MenuWithoutSequenceEndCodeGivesOneStillEqualToTheVideo) {
 }
 
 TEST_F(SampleExtract, TitleAudioStreamsGetTheirOwnFiles) {
-  OpenSample("VTS_01_1.VOB");
+  ASSERT_NO_FATAL_FAILURE(OpenSample("VTS_01_1.VOB"));
   for (const char* name : {"a0.AC3", "a1.WAV", "a2.MPA"})
     fx.ui.chooser_answers.push_back(out(name));
   ExtractAudio(*fx.ctx);

@@ -2,10 +2,10 @@
 // and text data tables: the assembled tables report exactly as the originals did.
 #include <gtest/gtest.h>
 
-#include "convert/drivers.h"
 #include "ifo/adt_test_tables.h"
 #include "ifo/ifo_drivers.h"
 #include "ifo/ifo_images.h"
+#include "ifo/overview.h"
 #include "ifo/vtsi_mat.h"
 #include "platform/bytes.h"
 #include "support/test_support.h"

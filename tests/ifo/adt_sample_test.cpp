@@ -21,7 +21,7 @@ std::string Disassembled(Fixture& f) {
 }
 
 TEST(AdtSampleTest, VideoManagerOverviewLines) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture f;
   OpenSample(f, "VIDEO_TS.IFO");
   // ptl_mait_sa (204) = 0, vts_atrt_sa (208) = 3, txtdt_mg_sa (212) = 0, vmgm_c_adt_sa (216)
@@ -37,7 +37,7 @@ TEST(AdtSampleTest, VideoManagerOverviewLines) {
 }
 
 TEST(AdtSampleTest, TitleSetOverviewLines) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture f;
   OpenSample(f, "VTS_01_0.IFO");
   // 0xD8..0xE4: VTSM_C_ADT 5, VTSM_VOBU_ADMAP 6, VTS_C_ADT 7, VTS_VOBU_ADMAP 8.
@@ -52,7 +52,7 @@ TEST(AdtSampleTest, TitleSetOverviewLines) {
 }
 
 TEST(AdtSampleTest, VideoManagerMenuCellAddressTable) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture f;
   OpenSample(f, "VIDEO_TS.IFO");
   PressDetailsOn(f, "VMGM_C_ADT");
@@ -66,7 +66,7 @@ TEST(AdtSampleTest, VideoManagerMenuCellAddressTable) {
 }
 
 TEST(AdtSampleTest, VideoManagerMenuAddressMap) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture f;
   OpenSample(f, "VIDEO_TS.IFO");
   PressDetailsOn(f, "VMGM_VOBU_ADMAP");
@@ -80,7 +80,7 @@ TEST(AdtSampleTest, VideoManagerMenuAddressMap) {
 }
 
 TEST(AdtSampleTest, TitleSetAttributeTable) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture f;
   OpenSample(f, "VIDEO_TS.IFO");
   PressDetailsOn(f, "VMG_ATRT");
@@ -107,7 +107,7 @@ TEST(AdtSampleTest, TitleSetAttributeTable) {
 }
 
 TEST(AdtSampleTest, TitleSetMenuTables) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture f;
   OpenSample(f, "VTS_01_0.IFO");
   PressDetailsOn(f, "VTSM_C_ADT");
@@ -127,7 +127,7 @@ TEST(AdtSampleTest, TitleSetMenuTables) {
 }
 
 TEST(AdtSampleTest, TitleSetCellAddressTable) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture f;
   OpenSample(f, "VTS_01_0.IFO");
   PressDetailsOn(f, "VTS_C_ADT");
@@ -145,7 +145,7 @@ TEST(AdtSampleTest, TitleSetCellAddressTable) {
 }
 
 TEST(AdtSampleTest, TitleSetAddressMap) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture f;
   OpenSample(f, "VTS_01_0.IFO");
   PressDetailsOn(f, "VTS_VOBU_ADMAP");
@@ -161,7 +161,7 @@ TEST(AdtSampleTest, TitleSetAddressMap) {
 }
 
 TEST(AdtSampleTest, TitleSetDisassemblyWritesOneCellForItsOneVob) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture f;
   OpenSample(f, "VTS_01_0.IFO");
   std::string text = Disassembled(f);
@@ -176,7 +176,7 @@ TEST(AdtSampleTest, TitleSetDisassemblyWritesOneCellForItsOneVob) {
 }
 
 TEST(AdtSampleTest, VideoManagerDisassemblyOfTheAttributeTable) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture f;
   OpenSample(f, "VIDEO_TS.IFO");
   std::string text = Disassembled(f);

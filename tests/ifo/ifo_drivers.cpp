@@ -8,6 +8,7 @@
 
 #include "convert/drivers.h"
 #include "ifo/ifo_images.h"
+#include "ifo/overview.h"
 #include "ifo/vmgi_mat.h"
 #include "ifo/vtsi_mat.h"
 #include "platform/file_io.h"
@@ -18,6 +19,16 @@ std::string OpenIfo(Fixture& f, const std::string& name, const std::vector<std::
   std::string path = f.OpenBytes(name, image, kFileIfo);
   ShowIfoOverview(*f.ctx);
   return path;
+}
+
+std::vector<std::string> FirstLines(const Fixture& f, std::size_t n) {
+  return {f.lines().begin(),
+          f.lines().begin() + static_cast<std::ptrdiff_t>(std::min(n, f.lines().size()))};
+}
+
+std::vector<std::string> VmgImageOverviewHead() {
+  return {"VMGI_MAT IFO File: Video Manager Information Management Table",
+          "VMGM_VOB: VMG Menu VOB starts at sector address: 1"};
 }
 
 bool HasLine(const std::vector<std::string>& lines, const std::string& line) {

@@ -16,6 +16,12 @@ namespace tarvex::test {
 // Writes image to dir/name, opens it as an IFO and shows its overview; returns the path.
 std::string OpenIfo(Fixture& f, const std::string& name, const std::vector<std::uint8_t>& image);
 
+// The first n report lines (all of them when there are fewer).
+std::vector<std::string> FirstLines(const Fixture& f, std::size_t n);
+// The first two overview lines of MakeVmgImage(): the information table's heading and the
+// menu VOB's line.
+std::vector<std::string> VmgImageOverviewHead();
+
 // Whether the report (or lines) holds exactly this line.
 bool HasLine(const std::vector<std::string>& lines, const std::string& line);
 bool HasLine(const Fixture& f, const std::string& line);

@@ -9,7 +9,7 @@ namespace tarvex {
 namespace {
 
 std::string Describe(std::vector<std::uint8_t> bytes) {
-  return describe_nav_command(ByteView(bytes));
+  return DescribeNavCommand(ByteView(bytes));
 }
 
 // --- group 0 ---

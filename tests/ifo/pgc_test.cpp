@@ -84,14 +84,14 @@ void ExpectReport(const std::vector<std::string>& actual, const std::vector<std:
 TEST(PgcReportTest, ReportsEveryFieldOfTheChain) {
   Fixture f;
   std::vector<std::uint8_t> pgc = test::MakeSamplePgc();
-  pgc_report(*f.ctx, 0, ByteView(pgc), 0);
+  PgcReport(*f.ctx, 0, ByteView(pgc), 0);
   ExpectReport(f.lines(), ExpectedSampleReport(), "");
 }
 
 TEST(PgcReportTest, IndentOfThreePrefixesEveryLineWithThreeBlanks) {
   Fixture f;
   std::vector<std::uint8_t> pgc = test::MakeSamplePgc();
-  pgc_report(*f.ctx, 3, ByteView(pgc), 0);
+  PgcReport(*f.ctx, 3, ByteView(pgc), 0);
   ExpectReport(f.lines(), ExpectedSampleReport(), "   ");
   for (const std::string& line : f.lines()) EXPECT_TRUE(line.starts_with("   ")) << line;
 }
@@ -101,7 +101,7 @@ TEST(PgcReportTest, ChainIsFoundAtTheOffsetWithinTheContainingBytes) {
   std::vector<std::uint8_t> base(100, 0xEE);
   std::vector<std::uint8_t> pgc = test::MakeSamplePgc();
   base.insert(base.end(), pgc.begin(), pgc.end());
-  pgc_report(*f.ctx, 0, ByteView(base), 100);
+  PgcReport(*f.ctx, 0, ByteView(base), 100);
   ExpectReport(f.lines(), ExpectedSampleReport(), "");
 }
 
@@ -110,7 +110,7 @@ TEST(PgcReportTest, AbsentSubTablesAreReportedAsErrorsWhenCountsSayOtherwise) {
   std::vector<std::uint8_t> pgc(236, 0);
   pgc[2] = 0x83;  // bit 7 is not part of the program count
   pgc[3] = 2;
-  pgc_report(*f.ctx, 0, ByteView(pgc), 0);
+  PgcReport(*f.ctx, 0, ByteView(pgc), 0);
   const auto& l = f.lines();
   ASSERT_GE(l.size(), 13u);
   EXPECT_EQ(l[0], "PGC: Number of Programs: 3");
@@ -140,7 +140,7 @@ TEST(PgcReportTest, OffsetsBeyondTheDataReadZeros) {
   w.put_be16(0xE6, 0xFFF0);
   w.put_be16(0xE8, 0xFFF0);
   w.put_be16(0xEA, 0xFFF0);
-  pgc_report(*f.ctx, 0, ByteView(pgc), 0);
+  PgcReport(*f.ctx, 0, ByteView(pgc), 0);
   const auto& l = f.lines();
   EXPECT_EQ(l[l.size() - 1], "    VOB ID number 0 of this Cell 0");
   EXPECT_EQ(l[l.size() - 3], "    Cell 1 last sector of this cell: 0");
@@ -150,7 +150,7 @@ TEST(PgcDisassembleTest, WritesEveryKeyWithThePrefix) {
   Fixture f;
   f.ctx->convert.source_path = f.dir.file("VIDEO_TS.INI");
   std::vector<std::uint8_t> pgc = test::MakeSamplePgc();
-  pgc_disassemble(*f.ctx, ByteView(pgc), 0, "pgc_", "fp_pgci");
+  PgcDisassemble(*f.ctx, ByteView(pgc), 0, "pgc_", "fp_pgci");
   f.ctx->profiles.Flush();
   std::string text = test::ReadFileText(f.ctx->convert.source_path);
   std::string expected =
@@ -183,13 +183,13 @@ TEST(PgcAssembleTest, DisassembledChainAssemblesBackToTheSameBytes) {
   Fixture f;
   f.ctx->convert.source_path = f.dir.file("VIDEO_TS.INI");
   std::vector<std::uint8_t> pgc = test::MakeSamplePgc();
-  pgc_disassemble(*f.ctx, ByteView(pgc), 0, "vts_pgc_", "vts_pgcit01");
+  PgcDisassemble(*f.ctx, ByteView(pgc), 0, "vts_pgc_", "vts_pgcit01");
   f.ctx->profiles.Flush();
-  pgc_assemble(*f.ctx, "vts_pgcit01", "vts_pgc_");
-  std::uint16_t size = pgc_layout(*f.ctx);
+  PgcAssemble(*f.ctx, "vts_pgcit01", "vts_pgc_");
+  std::uint16_t size = PgcLayout(*f.ctx);
   ASSERT_EQ(size, pgc.size());
   std::vector<std::uint8_t> out(size, 0);
-  EXPECT_EQ(pgc_copy_out(*f.ctx, out), size);
+  EXPECT_EQ(PgcCopyOut(*f.ctx, out), size);
   EXPECT_EQ(out, pgc);
   EXPECT_TRUE(f.ui.Messages().empty());
 }
@@ -216,10 +216,10 @@ TEST(PgcAssembleTest, ChainWithoutCommandsHasCommandTableOffsetZero) {
   Fixture f;
   WriteChain(f, kMinimalHeader + SubpictureAndPalette() +
                     "p_cmdt_pre_ns=0\np_cmdt_post_ns=0\np_cmdt_cmds_ns=0\np_cmdt_sa=236\n");
-  pgc_assemble(*f.ctx, "s", "p_");
-  EXPECT_EQ(pgc_layout(*f.ctx), 236);
+  PgcAssemble(*f.ctx, "s", "p_");
+  EXPECT_EQ(PgcLayout(*f.ctx), 236);
   std::vector<std::uint8_t> out(236, 0xFF);
-  EXPECT_EQ(pgc_copy_out(*f.ctx, out), 236u);
+  EXPECT_EQ(PgcCopyOut(*f.ctx, out), 236u);
   EXPECT_EQ(ByteView(out).be16(0xE4), 0);
   EXPECT_TRUE(f.ui.Messages().empty());
 }
@@ -228,12 +228,12 @@ TEST(PgcAssembleTest, MissingPreCommandIsReportedAndTheCountIsKept) {
   Fixture f;
   WriteChain(
       f, kMinimalHeader + SubpictureAndPalette() + "p_cmdt_pre_ns=2\np_pre1=7100000f00010000\n");
-  pgc_assemble(*f.ctx, "s", "p_");
+  PgcAssemble(*f.ctx, "s", "p_");
   EXPECT_EQ(f.ui.Messages(), (std::vector<std::string>{"Statement missing in vts_pgcit: p_pre2"}));
-  std::uint16_t size = pgc_layout(*f.ctx);
+  std::uint16_t size = PgcLayout(*f.ctx);
   EXPECT_EQ(size, 236 + 8 + 8);  // one command stored
   std::vector<std::uint8_t> out(size, 0);
-  pgc_copy_out(*f.ctx, out);
+  PgcCopyOut(*f.ctx, out);
   ByteView v(out);
   EXPECT_EQ(v.be16(0xE4), 236);
   EXPECT_EQ(v.be16(236), 2);          // pre commands
@@ -248,12 +248,12 @@ TEST(PgcAssembleTest, ThreeProgramsGiveAFourByteProgramMapAndPassTheCheck) {
                      "p_pgmap_prog_entry_cell03=3\n";
   keys.replace(keys.find("p_cnt=00000000"), 14, "p_cnt=00000300");
   WriteChain(f, keys);
-  pgc_assemble(*f.ctx, "s", "p_");
+  PgcAssemble(*f.ctx, "s", "p_");
   EXPECT_TRUE(f.ui.Messages().empty());
-  std::uint16_t size = pgc_layout(*f.ctx);
+  std::uint16_t size = PgcLayout(*f.ctx);
   ASSERT_EQ(size, 240);
   std::vector<std::uint8_t> out(size, 0xFF);
-  pgc_copy_out(*f.ctx, out);
+  PgcCopyOut(*f.ctx, out);
   EXPECT_EQ(ByteView(out).be16(0xE6), 236);
   EXPECT_EQ(std::vector<std::uint8_t>(out.begin() + 236, out.end()),
             (std::vector<std::uint8_t>{1, 2, 3, 0}));
@@ -264,7 +264,7 @@ TEST(PgcAssembleTest, ProgramCountThatDiffersFromTheMapIsReported) {
   std::string keys = kMinimalHeader + SubpictureAndPalette() + "p_pgmap_prog_entry_cell01=1\n";
   keys.replace(keys.find("p_cnt=00000000"), 14, "p_cnt=00000500");
   WriteChain(f, keys);
-  pgc_assemble(*f.ctx, "s", "p_");
+  PgcAssemble(*f.ctx, "s", "p_");
   EXPECT_EQ(f.ui.Messages(),
             (std::vector<std::string>{
                 "Statement error vts_pgcit: Number of Programs in cnt not equal to number of "
@@ -283,9 +283,9 @@ TEST(PgcAssembleTest, CellsAfterAGapInTheNumberingAreNotRead) {
                      CellKeys(3) + CellKeys(5);
   keys.replace(keys.find("p_cnt=00000000"), 14, "p_cnt=00000003");
   WriteChain(f, keys);
-  pgc_assemble(*f.ctx, "s", "p_");
+  PgcAssemble(*f.ctx, "s", "p_");
   EXPECT_TRUE(f.ui.Messages().empty());
-  EXPECT_EQ(pgc_layout(*f.ctx), 236 + 3 * 24);
+  EXPECT_EQ(PgcLayout(*f.ctx), 236 + 3 * 24);
 }
 
 TEST(PgcAssembleTest, CellCountThatDiffersFromThePlaybackTableIsReported) {
@@ -293,7 +293,7 @@ TEST(PgcAssembleTest, CellCountThatDiffersFromThePlaybackTableIsReported) {
   std::string keys = kMinimalHeader + SubpictureAndPalette() + CellKeys(1);
   keys.replace(keys.find("p_cnt=00000000"), 14, "p_cnt=00000002");
   WriteChain(f, keys);
-  pgc_assemble(*f.ctx, "s", "p_");
+  PgcAssemble(*f.ctx, "s", "p_");
   EXPECT_EQ(f.ui.Messages(),
             (std::vector<std::string>{
                 "Statement error vts_pgcit: In [" + f.ctx->convert.source_path +
@@ -306,11 +306,11 @@ TEST(PgcAssembleTest, MissingNavigationControlIsReportedAndLeavesZeros) {
   std::string keys = kMinimalHeader + SubpictureAndPalette();
   keys.erase(keys.find("p_nv_ctl=0000000000000000\n"), 26);
   WriteChain(f, keys);
-  pgc_assemble(*f.ctx, "s", "p_");
+  PgcAssemble(*f.ctx, "s", "p_");
   EXPECT_EQ(f.ui.Messages(),
             (std::vector<std::string>{"Statement missing in vts_pgcit: p_nv_ctl"}));
-  std::vector<std::uint8_t> out(pgc_layout(*f.ctx), 0xFF);
-  pgc_copy_out(*f.ctx, out);
+  std::vector<std::uint8_t> out(PgcLayout(*f.ctx), 0xFF);
+  PgcCopyOut(*f.ctx, out);
   ByteView v(out);
   EXPECT_EQ(v.be16(0x9C), 0);
   EXPECT_EQ(v.be16(0x9E), 0);
@@ -322,9 +322,9 @@ TEST(PgcAssembleTest, NavigationControlAcceptsALeadingX) {
   std::string keys = kMinimalHeader + SubpictureAndPalette();
   keys.replace(keys.find("p_nv_ctl=0000000000000000"), 25, "p_nv_ctl=x000200010003ff01");
   WriteChain(f, keys);
-  pgc_assemble(*f.ctx, "s", "p_");
-  std::vector<std::uint8_t> out(pgc_layout(*f.ctx), 0);
-  pgc_copy_out(*f.ctx, out);
+  PgcAssemble(*f.ctx, "s", "p_");
+  std::vector<std::uint8_t> out(PgcLayout(*f.ctx), 0);
+  PgcCopyOut(*f.ctx, out);
   ByteView v(out);
   EXPECT_EQ(v.be16(0x9C), 2);
   EXPECT_EQ(v.be16(0x9E), 1);
@@ -335,12 +335,12 @@ TEST(PgcAssembleTest, NavigationControlAcceptsALeadingX) {
 TEST(PgcAssembleTest, MissingCellIdIsReportedAndLeftZero) {
   Fixture f;
   WriteChain(f, kMinimalHeader + SubpictureAndPalette() + "p_c_posit_cell001_vobid=7\n");
-  pgc_assemble(*f.ctx, "s", "p_");
+  PgcAssemble(*f.ctx, "s", "p_");
   EXPECT_EQ(f.ui.Messages(),
             (std::vector<std::string>{"Statement missing in vts_pgcit: p_c_posit_cell001_cellid"}));
-  std::vector<std::uint8_t> out(pgc_layout(*f.ctx), 0);
+  std::vector<std::uint8_t> out(PgcLayout(*f.ctx), 0);
   ASSERT_EQ(out.size(), 240u);
-  pgc_copy_out(*f.ctx, out);
+  PgcCopyOut(*f.ctx, out);
   EXPECT_EQ(ByteView(out).be32(236), 0x00070000u);
 }
 
@@ -349,10 +349,10 @@ TEST(PgcAssembleTest, BufferSmallerThanTheLayoutGivesTheInternalError) {
   WriteChain(f, kMinimalHeader + SubpictureAndPalette() +
                     "p_c_posit_cell001_vobid=7\n"
                     "p_c_posit_cell001_cellid=1\n");
-  pgc_assemble(*f.ctx, "s", "p_");
-  std::uint16_t size = pgc_layout(*f.ctx);
+  PgcAssemble(*f.ctx, "s", "p_");
+  std::uint16_t size = PgcLayout(*f.ctx);
   std::vector<std::uint8_t> out(size - 1u, 0);
-  EXPECT_EQ(pgc_copy_out(*f.ctx, out), 236u);
+  EXPECT_EQ(PgcCopyOut(*f.ctx, out), 236u);
   EXPECT_EQ(f.ui.Messages(),
             (std::vector<std::string>{"EC101: Internal error, data size exceeds buffer size"}));
   EXPECT_TRUE(f.ctx->ifo.pgc.cell_position.empty());
@@ -362,9 +362,9 @@ TEST(PgcAssembleTest, DecimalValuesAreTruncatedToTheFieldWidth) {
   Fixture f;
   WriteChain(f, kMinimalHeader + SubpictureAndPalette() +
                     "p_pgmap_prog_entry_cell01=257\np_pgmap_prog_entry_cell02=2\n");
-  pgc_assemble(*f.ctx, "s", "p_");
-  std::vector<std::uint8_t> out(pgc_layout(*f.ctx), 0);
-  pgc_copy_out(*f.ctx, out);
+  PgcAssemble(*f.ctx, "s", "p_");
+  std::vector<std::uint8_t> out(PgcLayout(*f.ctx), 0);
+  PgcCopyOut(*f.ctx, out);
   EXPECT_EQ(out[236], 1);
 }
 
@@ -379,11 +379,11 @@ TEST(PgcReportTest, ReportAndDisassemblyOfTheSameBytesNeverAccumulateConversions
   f.ctx->convert.source_path = f.dir.file("VIDEO_TS.INI");
   std::vector<std::uint8_t> pgc = test::MakeSamplePgc();
   const std::vector<std::uint8_t> before = pgc;
-  pgc_report(*f.ctx, 0, ByteView(pgc), 0);
+  PgcReport(*f.ctx, 0, ByteView(pgc), 0);
   std::vector<std::string> first = f.lines();
-  pgc_disassemble(*f.ctx, ByteView(pgc), 0, "pgc_", "fp_pgci");
+  PgcDisassemble(*f.ctx, ByteView(pgc), 0, "pgc_", "fp_pgci");
   f.ctx->ClearReportList();
-  pgc_report(*f.ctx, 0, ByteView(pgc), 0);
+  PgcReport(*f.ctx, 0, ByteView(pgc), 0);
   EXPECT_EQ(f.lines(), first);
   EXPECT_EQ(pgc, before);
 }

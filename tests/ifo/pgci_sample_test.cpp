@@ -27,7 +27,7 @@ std::vector<std::string> Lines(const Fixture& f, std::size_t from, std::size_t c
 }
 
 TEST(PgciSampleTest, TitleSetOverviewHeadings) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture f;
   OpenSample(f, "VTS_01_0.IFO");
   // vts_pgcit_sa (0xCC) = 2, vtsm_pgci_ut_sa (0xD0) = 3; the unit table's one unit has
@@ -38,7 +38,7 @@ TEST(PgciSampleTest, TitleSetOverviewHeadings) {
 }
 
 TEST(PgciSampleTest, TitleSetPgciTableDetails) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture f;
   OpenSample(f, "VTS_01_0.IFO");
   PressDetailsOn(f, "VTS_PGCITI");
@@ -109,7 +109,7 @@ TEST(PgciSampleTest, TitleSetPgciTableDetails) {
 }
 
 TEST(PgciSampleTest, TitleSetMenuUnitTableDetails) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture f;
   OpenSample(f, "VTS_01_0.IFO");
   PressDetailsOn(f, "VTSM_PGCI_UT");
@@ -124,7 +124,7 @@ TEST(PgciSampleTest, TitleSetMenuUnitTableDetails) {
 }
 
 TEST(PgciSampleTest, TitleSetMenuLanguageUnitDetails) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture f;
   OpenSample(f, "VTS_01_0.IFO");
   PressDetailsOn(f, "VTSM_LUI");
@@ -166,7 +166,7 @@ TEST(PgciSampleTest, TitleSetMenuLanguageUnitDetails) {
 }
 
 TEST(PgciSampleTest, VideoManagerOverviewHeadings) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture f;
   OpenSample(f, "VIDEO_TS.IFO");
   // vmgm_pgci_ut_sa (byte 200) = 2; its one unit has lu_sa 16 (0x100C).
@@ -175,7 +175,7 @@ TEST(PgciSampleTest, VideoManagerOverviewHeadings) {
 }
 
 TEST(PgciSampleTest, VideoManagerMenuDetails) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture f;
   OpenSample(f, "VIDEO_TS.IFO");
   PressDetailsOn(f, "VMGM_PGCI_UT");
@@ -212,7 +212,7 @@ TEST(PgciSampleTest, VideoManagerMenuDetails) {
 }
 
 TEST(PgciSampleTest, VideoManagerMenuUnitTableComesBackByteForByte) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   test::SampleRoundTrip rt = test::RunSampleRoundTrip("VIDEO_TS.IFO", "VIDEO_TS.INI");
   EXPECT_TRUE(rt.messages.empty());
   std::vector<std::uint8_t> original = TableSector(rt.original, 200);  // vmgm_pgci_ut_sa
@@ -225,7 +225,7 @@ TEST(PgciSampleTest, VideoManagerMenuUnitTableComesBackByteForByte) {
 }
 
 TEST(PgciSampleTest, TitleSetChainTablesComeBackByteForByte) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   test::SampleRoundTrip rt = test::RunSampleRoundTrip("VTS_01_0.IFO", "VTS_01_0.INI");
   EXPECT_TRUE(rt.messages.empty());
   std::vector<std::uint8_t> pgcit = TableSector(rt.original, 0xCC);  // vts_pgcit_sa

@@ -20,7 +20,7 @@ using test::SampleAvailable;
 using test::TableSector;
 
 TEST(SrptSampleTest, OverviewHeadingLines) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture vmg;
   OpenSample(vmg, "VIDEO_TS.IFO");
   // tt_srpt_sa (VMGI_MAT bytes 196-199) = 1.
@@ -35,7 +35,7 @@ TEST(SrptSampleTest, OverviewHeadingLines) {
 }
 
 TEST(SrptSampleTest, TitleSearchPointerDetails) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture f;
   OpenSample(f, "VIDEO_TS.IFO");
   // Sector 1 (0x800): 00 01 00 00 00 00 00 13 | 3c 01 00 03 00 00 01 01 00 00 00 28.
@@ -54,7 +54,7 @@ TEST(SrptSampleTest, TitleSearchPointerDetails) {
 }
 
 TEST(SrptSampleTest, PartOfTitleSearchPointerDetails) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture f;
   OpenSample(f, "VTS_01_0.IFO");
   // Sector 1 (0x800): 00 01 00 00 00 00 00 17 | 00 00 00 0c | 00 01 00 01 | 00 01 00 02 |
@@ -71,7 +71,7 @@ TEST(SrptSampleTest, PartOfTitleSearchPointerDetails) {
 }
 
 TEST(SrptSampleTest, TimeMapDetails) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   Fixture f;
   OpenSample(f, "VTS_01_0.IFO");
   // Sector 4 (0x2000): 00 01 00 00 00 00 00 2b | 00 00 00 0c | 01 00 00 07 | 00 00 00 4d |
@@ -93,7 +93,7 @@ TEST(SrptSampleTest, TimeMapDetails) {
 }
 
 TEST(SrptSampleTest, TitleSearchPointersComeBackUnchanged) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   test::SampleRoundTrip rt = test::RunSampleRoundTrip("VIDEO_TS.IFO", "VIDEO_TS.INI");
   EXPECT_TRUE(rt.messages.empty());
   // Parental ID 0 and VTS_TTN 1 are not changed by their established load rules.
@@ -103,7 +103,7 @@ TEST(SrptSampleTest, TitleSearchPointersComeBackUnchanged) {
 }
 
 TEST(SrptSampleTest, PartOfTitleTableIsRebuiltWithOnePointerPerPart) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   test::SampleRoundTrip rt = test::RunSampleRoundTrip("VTS_01_0.IFO", "VTS_01_0.INI");
   EXPECT_TRUE(rt.messages.empty());
   std::vector<std::uint8_t> table = TableSector(rt.assembled, kVtsPttSrptSa);
@@ -118,7 +118,7 @@ TEST(SrptSampleTest, PartOfTitleTableIsRebuiltWithOnePointerPerPart) {
 }
 
 TEST(SrptSampleTest, TimeMapComesBackUnchanged) {
-  if (!SampleAvailable()) GTEST_SKIP() << "sample disc not built";
+  ASSERT_TRUE(SampleAvailable()) << "the sample disc is missing";
   test::SampleRoundTrip rt = test::RunSampleRoundTrip("VTS_01_0.IFO", "VTS_01_0.INI");
   EXPECT_TRUE(rt.messages.empty());
   std::vector<std::uint8_t> table = TableSector(rt.assembled, kVtsTmaptSa);

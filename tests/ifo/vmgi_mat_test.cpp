@@ -63,7 +63,7 @@ std::vector<std::string> ExpectedReportHead(std::uint32_t mat_ea, std::uint32_t 
       "VMG Identifier: DVDVIDEO-VMG",
       "End address of VMG: 2",
       "End address of VMGI: 0",
-      "Format version number: 1.1",  // the disc's version field, vern
+      "Specification version number: 1.1",  // the disc's version field, vern
       "VMG Category: 10000",
       "VMG Number of Vols: 1 This Vol: 1 Disk side ID: 1",
       "VMG Number of Title Sets: 1",

@@ -4,9 +4,9 @@
 // (PGCN, a zero byte, PGN).
 #include <gtest/gtest.h>
 
-#include "convert/drivers.h"
 #include "ifo/ifo_drivers.h"
 #include "ifo/ifo_images.h"
+#include "ifo/overview.h"
 #include "ifo/table.h"
 #include "ifo/vtsi_mat.h"
 #include "platform/bytes.h"

@@ -62,7 +62,7 @@ std::vector<std::string> ExpectedReport() {
       std::string("VTS Identifier: DVDVIDEO-VTS\x01\x02"),
       "End address of VTS: 513",
       "End address of VTSI: 0",
-      "Format version number: 1.1",  // the disc's version field, vern
+      "Specification version number: 1.1",  // the disc's version field, vern
       "VTS Category: 0000000f",
       "End byte address of VTSI_MAT: 2047",
       "Start sector address of VTSM_VOBS: 0",

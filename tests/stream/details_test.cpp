@@ -86,7 +86,7 @@ TEST(HexView, FileAddressIsZeroForEveryTypeButVob) {
   Record first(2048, 0x11);
   Record second(2048, 0x22);
   f.OpenBytes("a.m2p", Concat({first, second}), kFileM2p);
-  EXPECT_EQ(record_file_offset(*f.ctx, 1), 0);
+  EXPECT_EQ(RecordFileOffset(*f.ctx, 1), 0);
   f.ctx->open.page_end = 1;
   ShowRecordHex(*f.ctx, false);
   EXPECT_EQ(f.lines()[0], "Hex display of record 1 at file address 0");
@@ -96,8 +96,8 @@ TEST(HexView, FileAddressIsZeroForEveryTypeButVob) {
 TEST(HexView, FileOffsetsAreSixtyFourBit) {
   Fixture f;
   f.ctx->open.file_type = kFileVob;
-  EXPECT_EQ(record_file_offset(*f.ctx, 0x200000), std::int64_t{1} << 32);
-  EXPECT_EQ(record_file_offset(*f.ctx, 0xFFFFFFFF), std::int64_t{0xFFFFFFFF} * 2048);
+  EXPECT_EQ(RecordFileOffset(*f.ctx, 0x200000), std::int64_t{1} << 32);
+  EXPECT_EQ(RecordFileOffset(*f.ctx, 0xFFFFFFFF), std::int64_t{0xFFFFFFFF} * 2048);
 }
 
 // Details dispatcher ---------------------------------------------------------------------

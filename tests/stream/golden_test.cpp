@@ -22,9 +22,9 @@ const std::string kTitleVob =
 class StreamGoldenTest : public ::testing::Test {
  protected:
   void SetUp() override {
-    if (!File::Exists(kTitleVob)) GTEST_SKIP() << "no sample disc at " << kTitleVob;
+    ASSERT_TRUE(File::Exists(kTitleVob)) << "no sample disc at " << kTitleVob;
     f_.ctx->open.file_path = kTitleVob;
-    open_selected_file(*f_.ctx);
+    OpenSelectedFile(*f_.ctx);
     ASSERT_TRUE(f_.ctx->open.file_handle.is_open());
   }
   std::vector<std::string> Details(std::uint32_t record) {

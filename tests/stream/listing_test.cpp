@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "app/open_file.h"
-#include "convert/drivers.h"
+#include "ifo/overview.h"
 #include "support/test_support.h"
 
 namespace tarvex {
@@ -53,7 +53,7 @@ TEST(ListPage, RecordWithoutPackStartCodeGivesNumberAndIllegalCodeWithoutBlank) 
   Record r(2048, 0);
   PutBytes(r, 0, {0x00, 0x00, 0x01, 0xE0});
   f.OpenBytes("a.vob", r, kFileVob);
-  list_page(*f.ctx, 0, 16);
+  ListPage(*f.ctx, 0, 16);
   ASSERT_EQ(f.lines().size(), 2u);  // records 0 and 1 (record_count itself is listed)
   EXPECT_EQ(f.lines()[0], "000000Illegal pack_start_code 1e0");
 }
@@ -61,14 +61,14 @@ TEST(ListPage, RecordWithoutPackStartCodeGivesNumberAndIllegalCodeWithoutBlank) 
 TEST(ListPage, ScrExtension300PassesSilently) {
   Fixture f;
   f.OpenBytes("a.vob", MakePaddingPack(1000, 300), kFileVob);
-  list_page(*f.ctx, 0, 1);
+  ListPage(*f.ctx, 0, 1);
   EXPECT_EQ(f.lines(), (std::vector<std::string>{"000000 SCR 1000.300"}));
 }
 
 TEST(ListPage, ScrExtension301AddsClockErrorLineBeforeTheRecordLine) {
   Fixture f;
   f.OpenBytes("a.vob", MakePaddingPack(1000, 301), kFileVob);
-  list_page(*f.ctx, 0, 1);
+  ListPage(*f.ctx, 0, 1);
   EXPECT_EQ(f.lines(),
             (std::vector<std::string>{"****** SCR Clock Error on next, SCR remainder error!",
                                       "000000 SCR 1000.301"}));
@@ -77,7 +77,7 @@ TEST(ListPage, ScrExtension301AddsClockErrorLineBeforeTheRecordLine) {
 TEST(ListPage, PaddingPackInDetailedListingHasNoLabel) {
   Fixture f;
   f.OpenBytes("a.vob", Concat({MakePaddingPack(0), MakePaddingPack(4567, 12)}), kFileVob);
-  list_page(*f.ctx, 1, 2);
+  ListPage(*f.ctx, 1, 2);
   EXPECT_EQ(f.lines(), (std::vector<std::string>{"000001 SCR 4567.012"}));
 }
 
@@ -98,7 +98,7 @@ TEST(ListPage, DetailedLabelsAndTimeStamps) {
   Record sdds = MakePesPack(0xBD, 0x00, {}, {0x90}, 800);
   Record bad = MakePesPack(0xBD, 0x00, {}, {0x89}, 900);
   f.OpenBytes("a.vob", Concat({nav, video, ac3, mpeg, lpcm, spu, dts, sdds, bad}), kFileVob);
-  list_page(*f.ctx, 0, 9);
+  ListPage(*f.ctx, 0, 9);
   EXPECT_EQ(f.lines(), (std::vector<std::string>{
                            "000000 Navigations  SCR 100.000",
                            "000001 Video  SCR 200.000 PTS 93003 DTS 90000",
@@ -116,7 +116,7 @@ TEST(ListPage, UnknownSubStreamIsListedIllegalAndClearsStreamNumber) {
   Fixture f;
   f.OpenBytes("a.vob", MakePesPack(0xBD, 0x00, {}, {0x89}), kFileVob);
   f.ctx->stream.stream_number = 0x80;
-  list_page(*f.ctx, 0, 1);
+  ListPage(*f.ctx, 0, 1);
   EXPECT_EQ(f.lines(), (std::vector<std::string>{"000000 Illegal  SCR 0.000"}));
   EXPECT_EQ(f.ctx->stream.stream_number, 0u);
 }
@@ -128,7 +128,7 @@ TEST(ListPage, NavigationPackBehindSystemHeaderIsListedAndClearsStreamNumber) {
   PutBytes(r, 38, {0x00, 0x00, 0x01, 0xBF, 0x03, 0xD4, 0x01});
   f.OpenBytes("a.vob", r, kFileVob);
   f.ctx->stream.stream_number = 0xE0;
-  list_page(*f.ctx, 0, 1);
+  ListPage(*f.ctx, 0, 1);
   EXPECT_EQ(f.lines(), (std::vector<std::string>{"000000 Navigations  SCR 55.000"}));
   EXPECT_EQ(f.ctx->stream.stream_number, 0u);
 }
@@ -140,7 +140,7 @@ TEST(ListPage, VideoRecordGetsFrameLineWithGop) {
               VideoPack({0x00, 0x00, 0x01, 0xB8, 0x00, 0x08, 0x00, 0x40, 0x00, 0x00, 0x01, 0x00,
                          0x00, 0x48}),
               kFileVob);
-  list_page(*f.ctx, 0, 1);
+  ListPage(*f.ctx, 0, 1);
   EXPECT_EQ(f.lines(), (std::vector<std::string>{"000000 Video  SCR 0.000 PTS 90000",
                                                  " -> Video: Frame number 1 Frame type 1 GOP"}));
 }
@@ -148,14 +148,14 @@ TEST(ListPage, VideoRecordGetsFrameLineWithGop) {
 TEST(ListPage, VideoRecordWithOnlyGopGetsGopAlone) {
   Fixture f;
   f.OpenBytes("a.vob", VideoPack({0x00, 0x00, 0x01, 0xB8, 0x00, 0x08, 0x00, 0x40}), kFileVob);
-  list_page(*f.ctx, 0, 1);
+  ListPage(*f.ctx, 0, 1);
   EXPECT_EQ(f.lines(), (std::vector<std::string>{"000000 Video  SCR 0.000 PTS 90000", " GOP"}));
 }
 
 TEST(ListPage, VideoRecordWithNeitherGetsNoSecondLine) {
   Fixture f;
   f.OpenBytes("a.vob", VideoPack({0x12, 0x34}), kFileVob);
-  list_page(*f.ctx, 0, 1);
+  ListPage(*f.ctx, 0, 1);
   EXPECT_EQ(f.lines(), (std::vector<std::string>{"000000 Video  SCR 0.000 PTS 90000"}));
 }
 
@@ -163,7 +163,7 @@ TEST(ListPage, VideoRecordWithNeitherGetsNoSecondLine) {
 TEST(ListPage, FrameNumberMinusOneCountsAsNotFound) {
   Fixture f;
   f.OpenBytes("a.vob", VideoPack({0x00, 0x00, 0x01, 0x00, 0xFF, 0xC8}), kFileVob);
-  list_page(*f.ctx, 0, 1);
+  ListPage(*f.ctx, 0, 1);
   EXPECT_EQ(f.lines(), (std::vector<std::string>{"000000 Video  SCR 0.000 PTS 90000"}));
 }
 
@@ -173,7 +173,7 @@ TEST(ListPage, PictureHeaderReadsIntoTheNextRecord) {
   PutBytes(video, 2044, {0x00, 0x00, 0x01, 0x00});
   Record next = MakePaddingPack(0);  // its first bytes 00 00 are the picture fields
   f.OpenBytes("a.vob", Concat({video, next}), kFileVob);
-  list_page(*f.ctx, 0, 1);
+  ListPage(*f.ctx, 0, 1);
   EXPECT_EQ(f.lines(), (std::vector<std::string>{"000000 Video  SCR 0.000 PTS 90000",
                                                  " -> Video: Frame number 0 Frame type 0"}));
 }
@@ -181,7 +181,7 @@ TEST(ListPage, PictureHeaderReadsIntoTheNextRecord) {
 TEST(ListPage, NegativeFrameNumberIsPrintedSigned) {
   Fixture f;
   f.OpenBytes("a.vob", VideoPack({0x00, 0x00, 0x01, 0x00, 0xFF, 0x50}), kFileVob);
-  list_page(*f.ctx, 0, 1);
+  ListPage(*f.ctx, 0, 1);
   ASSERT_EQ(f.lines().size(), 2u);
   EXPECT_EQ(f.lines()[1], " -> Video: Frame number -3 Frame type 2");
 }
@@ -195,7 +195,7 @@ TEST(ListPage, BasicListingShowsScrDeltaAndBasicLabels) {
   Record video = MakePesPack(0xE0, 0x00, {}, {}, 1300);
   f.OpenBytes("a.vob", Concat({MakePaddingPack(1000, 5), nav, mpeg, bad, video}), kFileVob);
   f.ctx->stream.listing_mode = 0;
-  list_page(*f.ctx, 0, 5);
+  ListPage(*f.ctx, 0, 5);
   EXPECT_EQ(f.lines(), (std::vector<std::string>{
                            "000000 SCR = 00001000.005 SCR Delta = 1000 Padding Pack",
                            "000001 SCR = 00001500.000 SCR Delta = 500 Navigations Pack - Start of "
@@ -205,7 +205,7 @@ TEST(ListPage, BasicListingShowsScrDeltaAndBasicLabels) {
                            "000004 SCR = 00001300.000 SCR Delta = 100 Video Pack",
                        }));
   // The previous SCR starts at 0 again on every page.
-  list_page(*f.ctx, 2, 3);
+  ListPage(*f.ctx, 2, 3);
   EXPECT_EQ(f.lines(),
             (std::vector<std::string>{
                 "000002 SCR = 00001200.000 SCR Delta = 1200 MPEG Audio channel ?? Pack"}));
@@ -219,7 +219,7 @@ TEST(ListPage, BasicListingLabelsOfPrivateStreams) {
                       MakePesPack(0xBD, 0, {}, {0xA0}), MakePesPack(0xBD, 0, {}, {0x48})}),
               kFileVob);
   f.ctx->stream.listing_mode = 0;
-  list_page(*f.ctx, 0, 6);
+  ListPage(*f.ctx, 0, 6);
   EXPECT_EQ(f.lines(), (std::vector<std::string>{
                            "000000 SCR = 00000000.000 SCR Delta = 000 Subpicture Pack",
                            "000001 SCR = 00000000.000 SCR Delta = 000 AC-3 Audio Pack",
@@ -237,7 +237,7 @@ TEST(ListPage, SeventeenRecordVobFirstPageThenLineDown) {
   // As the Open command leaves it.
   ctx.open.page_end = 16;
   ctx.open.scroll_page = 16;
-  list_page(ctx, 0, 16);
+  ListPage(ctx, 0, 16);
   EXPECT_EQ(f.lines(), PaddingPage(0, 16));
 
   ScrollLineDown(ctx, 16);
@@ -258,7 +258,7 @@ TEST(ListPage, VobOf2049BytesListsRecordsZeroAndOne) {
   bytes.push_back(0x00);
   f.OpenBytes("a.vob", bytes, kFileVob);
   ASSERT_EQ(f.ctx->open.record_count, 1u);
-  list_page(*f.ctx, 0, 16);
+  ListPage(*f.ctx, 0, 16);
   EXPECT_EQ(f.lines(), (std::vector<std::string>{"000000 SCR 1000.000", "000001 SCR 1000.000"}));
 }
 
@@ -267,7 +267,7 @@ TEST(ListPage, ShortReadKeepsThePreviousRecordsBytesBehindTheBytesItGot) {
   std::vector<std::uint8_t> bytes = MakePaddingPack(1000);
   bytes.push_back(0xFF);
   f.OpenBytes("a.vob", bytes, kFileVob);
-  list_page(*f.ctx, 0, 16);
+  ListPage(*f.ctx, 0, 16);
   EXPECT_EQ(f.lines(), (std::vector<std::string>{"000000 SCR 1000.000",
                                                  "000001Illegal pack_start_code ff0001ba"}));
 }
@@ -277,8 +277,8 @@ TEST(ListPage, EachCallStartsFromZeroedBuffers) {
   std::vector<std::uint8_t> bytes = MakePaddingPack(1000);
   bytes.push_back(0xFF);
   f.OpenBytes("a.vob", bytes, kFileVob);
-  list_page(*f.ctx, 0, 1);
-  list_page(*f.ctx, 1, 2);
+  ListPage(*f.ctx, 0, 1);
+  ListPage(*f.ctx, 1, 2);
   EXPECT_EQ(f.lines(), (std::vector<std::string>{"000001Illegal pack_start_code ff000000"}));
 }
 
@@ -293,7 +293,7 @@ TEST(ListPage, ShortReadOfTheVideoPairKeepsTheEarlierPairsBytes) {
   Record other(2048, 0);
   PutBytes(other, 0, {0x7F, 0x48});
   f.OpenBytes("a.vob", Concat({v0, other, v0}), kFileVob);
-  list_page(*f.ctx, 0, 3);
+  ListPage(*f.ctx, 0, 3);
   // Frame number (0x7F << 2) | (0x48 >> 6) = 509, frame type (0x48 & 0x38) >> 3 = 1.
   EXPECT_EQ(f.lines(), (std::vector<std::string>{
                            "000000 Video  SCR 0.000 PTS 90000",
@@ -308,7 +308,7 @@ TEST(ListPage, IfoFileClearsTheListAndRunsTheOverview) {
   Fixture f;
   f.OpenBytes("VIDEO_TS.IFO", std::vector<std::uint8_t>(4096, 0), kFileIfo);
   f.ctx->AddReportLine("old line");
-  list_page(*f.ctx, 5, 5);
+  ListPage(*f.ctx, 5, 5);
   EXPECT_TRUE(f.lines().empty());
   EXPECT_EQ(f.ctx->open.file_handle.Tell(), 0);
 }
@@ -320,7 +320,7 @@ TEST(ListPage, IfoFileShowsTheOverviewWhenTheRangeIsNotEmpty) {
   Fixture f;
   f.OpenBytes("VIDEO_TS.IFO", std::vector<std::uint8_t>(4096, 0), kFileIfo);
   f.ctx->AddReportLine("old line");
-  list_page(*f.ctx, 0, 16);
+  ListPage(*f.ctx, 0, 16);
   EXPECT_FALSE(f.lines().empty());
   EXPECT_EQ(f.lines(), reference.lines());
 }
@@ -328,9 +328,9 @@ TEST(ListPage, IfoFileShowsTheOverviewWhenTheRangeIsNotEmpty) {
 TEST(ListPage, ListingLeavesTheFilePositionWhereRecordByRecordReadingWould) {
   Fixture f;
   f.OpenBytes("a.vob", PaddingStream(40), kFileVob);
-  list_page(*f.ctx, 3, 19);
+  ListPage(*f.ctx, 3, 19);
   EXPECT_EQ(f.ctx->open.file_handle.Tell(), 19 * 2048);
-  list_page(*f.ctx, 30, 60);  // runs to record 40 = record_count, a read of nothing
+  ListPage(*f.ctx, 30, 60);  // runs to record 40 = record_count, a read of nothing
   EXPECT_EQ(f.lines().size(), 11u);
   EXPECT_EQ(f.lines().back(), PaddingLine(39).replace(0, 6, "000040"));
   EXPECT_EQ(f.ctx->open.file_handle.Tell(), 40 * 2048);
@@ -344,11 +344,11 @@ TEST(ListPage, LargeRangeMatchesPageByPageListing) {
     records.push_back(r % 3 == 0 ? MakePaddingPack(r) : v);
   }
   f.OpenBytes("a.vob", Concat(records), kFileVob);
-  list_page(*f.ctx, 0, 701);
+  ListPage(*f.ctx, 0, 701);
   std::vector<std::string> whole = f.lines();
   std::vector<std::string> paged;
   for (std::uint32_t first = 0; first <= 700; first += 16) {
-    list_page(*f.ctx, first, first + 16);
+    ListPage(*f.ctx, first, first + 16);
     paged.insert(paged.end(), f.lines().begin(), f.lines().end());
   }
   EXPECT_EQ(whole, paged);
@@ -365,7 +365,7 @@ TEST(ListPage, OpeningA2049ByteVobListsRecordsZeroAndOne) {
   std::string path = f.dir.file("short.vob");
   test::WriteFileBytes(path, bytes);
   f.ctx->open.file_path = path;
-  open_selected_file(*f.ctx);
+  OpenSelectedFile(*f.ctx);
   EXPECT_EQ(f.ctx->open.record_count, 1u);
   EXPECT_EQ(f.lines(), (std::vector<std::string>{"000000 SCR 1000.000", "000001 SCR 1000.000"}));
 }
@@ -375,7 +375,7 @@ TEST(ListPage, OpeningASeventeenRecordVobThenLineDown) {
   std::string path = f.dir.file("seventeen.vob");
   test::WriteFileBytes(path, PaddingStream(17));
   f.ctx->open.file_path = path;
-  open_selected_file(*f.ctx);
+  OpenSelectedFile(*f.ctx);
   EXPECT_EQ(f.lines(), PaddingPage(0, 16));
   ScrollLineDown(*f.ctx, f.ctx->open.scroll_page);
   EXPECT_EQ(f.lines(), PaddingPage(1, 17));
@@ -522,7 +522,7 @@ TEST(SelectRecordForHex, SelectedLineShowsItsRecordAndLeavingListsOneFurther) {
   f.OpenBytes("a.vob", PaddingStream(40), kFileVob);
   AppContext& ctx = *f.ctx;
   ctx.open.page_end = 26;
-  list_page(ctx, 10, 26);
+  ListPage(ctx, 10, 26);
   ASSERT_TRUE(ctx.report.Select(10));  // "000020 ..."
   SelectRecordForHex(ctx);
   EXPECT_EQ(ctx.stream.hex_mode, 1);
@@ -540,7 +540,7 @@ TEST(SelectRecordForHex, LeavingBelowRecordSixteenListsTheFirstPage) {
   Fixture f;
   f.OpenBytes("a.vob", PaddingStream(40), kFileVob);
   AppContext& ctx = *f.ctx;
-  list_page(ctx, 0, 16);
+  ListPage(ctx, 0, 16);
   ASSERT_TRUE(ctx.report.Select(5));
   SelectRecordForHex(ctx);
   EXPECT_EQ(ctx.open.page_end, 5u);
@@ -566,7 +566,7 @@ TEST(SelectRecordForHex, NothingHappensInDetailsModeOrWithoutSelection) {
   Fixture f;
   f.OpenBytes("a.vob", PaddingStream(20), kFileVob);
   AppContext& ctx = *f.ctx;
-  list_page(ctx, 0, 16);
+  ListPage(ctx, 0, 16);
   SelectRecordForHex(ctx);  // no selection
   EXPECT_EQ(ctx.stream.hex_mode, 0);
   EXPECT_EQ(f.lines(), PaddingPage(0, 16));

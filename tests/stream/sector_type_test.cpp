@@ -16,7 +16,7 @@ using test::MakePesPack;
 TEST(SectorType, PrivateStreamWithUnknownSubStreamIsIllegalAndClearsStreamNumber) {
   auto r = MakePesPack(0xBD, 0x00, {}, {0x89});
   std::uint32_t stream = 0x55;
-  EXPECT_EQ(get_sector_type(r, stream), kSectorIllegal);
+  EXPECT_EQ(GetSectorType(r, stream), kSectorIllegal);
   EXPECT_EQ(stream, 0u);
 }
 
@@ -32,45 +32,44 @@ TEST(SectorType, NavigationPackBehindSystemHeaderSetsStreamNumberZero) {
   r[41] = 0xBF;
   r[44] = 1;
   std::uint32_t stream = 0x80;
-  EXPECT_EQ(get_sector_type(r, stream), kSectorNavigation);
+  EXPECT_EQ(GetSectorType(r, stream), kSectorNavigation);
   EXPECT_EQ(stream, 0u);
 }
 
 TEST(SectorType, VideoAudioAndPrivateStreams) {
   std::uint32_t stream = 0;
-  EXPECT_EQ(get_sector_type(MakePesPack(0xE0, 0x80, {0, 0, 0, 0, 0}, {}), stream), kSectorVideo);
+  EXPECT_EQ(GetSectorType(MakePesPack(0xE0, 0x80, {0, 0, 0, 0, 0}, {}), stream), kSectorVideo);
   EXPECT_EQ(stream, 0xE0u);
-  EXPECT_EQ(get_sector_type(MakePesPack(0xC1, 0x80, {0, 0, 0, 0, 0}, {}), stream),
-            kSectorMpegAudio);
+  EXPECT_EQ(GetSectorType(MakePesPack(0xC1, 0x80, {0, 0, 0, 0, 0}, {}), stream), kSectorMpegAudio);
   EXPECT_EQ(stream, 0xC1u);
-  EXPECT_EQ(get_sector_type(MakePesPack(0xBD, 0x00, {}, {0x81}), stream), kSectorAc3);
+  EXPECT_EQ(GetSectorType(MakePesPack(0xBD, 0x00, {}, {0x81}), stream), kSectorAc3);
   EXPECT_EQ(stream, 0x81u);
-  EXPECT_EQ(get_sector_type(MakePesPack(0xBD, 0x00, {}, {0xA0}), stream), kSectorLpcm);
-  EXPECT_EQ(get_sector_type(MakePesPack(0xBD, 0x00, {}, {0x21}), stream), kSectorSubPicture);
-  EXPECT_EQ(get_sector_type(MakePesPack(0xBD, 0x00, {}, {0x88}), stream), kSectorDts);
-  EXPECT_EQ(get_sector_type(MakePesPack(0xBD, 0x00, {}, {0x90}), stream), kSectorSdds);
-  EXPECT_EQ(get_sector_type(MakePesPack(0xBE, 0x00, {}, {}), stream), kSectorPadding);
+  EXPECT_EQ(GetSectorType(MakePesPack(0xBD, 0x00, {}, {0xA0}), stream), kSectorLpcm);
+  EXPECT_EQ(GetSectorType(MakePesPack(0xBD, 0x00, {}, {0x21}), stream), kSectorSubPicture);
+  EXPECT_EQ(GetSectorType(MakePesPack(0xBD, 0x00, {}, {0x88}), stream), kSectorDts);
+  EXPECT_EQ(GetSectorType(MakePesPack(0xBD, 0x00, {}, {0x90}), stream), kSectorSdds);
+  EXPECT_EQ(GetSectorType(MakePesPack(0xBE, 0x00, {}, {}), stream), kSectorPadding);
 }
 
 TEST(SectorType, SubStream48AndFFAreIllegalWithoutTouchingStreamNumber) {
   std::uint32_t stream = 0x33;
-  EXPECT_EQ(get_sector_type(MakePesPack(0xBD, 0x00, {}, {0x48}), stream), kSectorIllegal);
+  EXPECT_EQ(GetSectorType(MakePesPack(0xBD, 0x00, {}, {0x48}), stream), kSectorIllegal);
   EXPECT_EQ(stream, 0x33u);
 }
 
 TEST(SectorType, PrivateSubstreamIdSkipsAtMostSevenStuffingBytes) {
   std::vector<std::uint8_t> p = {0,    0,    1,    0xBD, 0,    0,    0x81, 0x00, 0,
                                  0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0x80};
-  EXPECT_EQ(private_substream_id(p), 0xFF);  // the eighth 0xFF is the answer
+  EXPECT_EQ(PrivateSubstreamId(p), 0xFF);  // the eighth 0xFF is the answer
   p.erase(p.begin() + 9);
-  EXPECT_EQ(private_substream_id(p), 0x80);
+  EXPECT_EQ(PrivateSubstreamId(p), 0x80);
 }
 
 TEST(SectorType, ScrBaseAndExtensionRoundTrip) {
   auto r = MakePackHeader(0x123456789ull, 299);
   ByteView pack(r);
-  EXPECT_EQ(scr_base(pack.sub(4)), 0x23456789u);
-  EXPECT_EQ(scr_extension(pack.sub(4)), 299u);
+  EXPECT_EQ(ScrBase(pack.sub(4)), 0x23456789u);
+  EXPECT_EQ(ScrExtension(pack.sub(4)), 299u);
 }
 
 TEST(SectorType, DecodePtsDropsBit32) {
@@ -117,7 +116,7 @@ TEST(ScanVideoHeaders, QuickScanFindsWhatEveryPositionScanFinds) {
       }
     }
     VideoScan quick;
-    scan_video_headers(buf, quick);
+    ScanVideoHeaders(buf, quick);
     VideoScan reference = ReferenceScan(buf);
     ASSERT_EQ(quick.frame_number, reference.frame_number) << round;
     ASSERT_EQ(quick.frame_type, reference.frame_type) << round;
@@ -129,7 +128,7 @@ TEST(ScanVideoHeaders, QuickScanFindsWhatEveryPositionScanFinds) {
 TEST(ScanVideoHeaders, ShortBufferReadsZerosBeyondItsEnd) {
   std::vector<std::uint8_t> buf = {0x00, 0x00, 0x01, 0x00};
   VideoScan scan;
-  scan_video_headers(buf, scan);
+  ScanVideoHeaders(buf, scan);
   EXPECT_EQ(scan.frame_number, 0);
   EXPECT_EQ(scan.frame_type, 0);
 }
@@ -137,7 +136,7 @@ TEST(ScanVideoHeaders, ShortBufferReadsZerosBeyondItsEnd) {
 TEST(ScanVideoHeaders, NothingFoundKeepsMinusOne) {
   std::vector<std::uint8_t> buf(4096, 0);
   VideoScan scan;
-  scan_video_headers(buf, scan);
+  ScanVideoHeaders(buf, scan);
   EXPECT_EQ(scan.frame_number, -1);
   EXPECT_EQ(scan.frame_type, -1);
   EXPECT_EQ(scan.gop_found, -1);

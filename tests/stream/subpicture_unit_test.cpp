@@ -28,7 +28,7 @@ Bytes Unit(const Bytes& commands, std::uint16_t size = 0x0800) {
 
 std::vector<std::string> Decode(Fixture& f, const Bytes& file, std::uint32_t record = 0) {
   f.OpenBytes("unit.sup", file, kFileSup);
-  decode_subpicture_unit(*f.ctx, record);
+  DecodeSubpictureUnit(*f.ctx, record);
   return f.lines();
 }
 

@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
-#include "app/context.h"
 #include "platform/scripted_ui.h"
+#include "state/context.h"
 
 namespace tarvex::test {
 

@@ -77,7 +77,7 @@ class MainWindowTest : public testing::Test {
   MainWindow window_{ctx_, ui_};
 };
 
-TEST_F(MainWindowTest, TitleButtonsAndMenusAreThoseOfTheOriginalWindow) {
+TEST_F(MainWindowTest, TitleButtonsAndMenusCarryTheirCaptionsAndControlIds) {
   EXPECT_EQ(window_.windowTitle(), QStringLiteral("DVD Tarvex Tool"));
   const std::map<int, QString> buttons = {{101, "HEX"},     {102, "Clear"},    {104, "Details"},
                                           {105, "Extract"}, {106, "Assemble"}, {107, "Go To"},

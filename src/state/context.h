@@ -5,13 +5,13 @@
 #include <cstdint>
 #include <string>
 
-#include "app/report_list.h"
-#include "app/window_state.h"
-#include "convert/convert_state.h"
-#include "ifo/ifo_state.h"
 #include "platform/file_io.h"
 #include "platform/profile.h"
 #include "platform/ui.h"
+#include "state/convert_state.h"
+#include "state/ifo_state.h"
+#include "state/report_list.h"
+#include "state/window_state.h"
 
 namespace tarvex {
 
@@ -41,7 +41,7 @@ struct OpenFileState {
   std::int32_t scroll_page = 0;
 };
 
-// Listing and view modes, and the stream number left behind by get_sector_type.
+// Listing and view modes, and the stream number left behind by GetSectorType.
 struct StreamState {
   std::uint32_t stream_number = 0;
   std::int32_t thumb_moved = 0;

@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <vector>
 
-#include "ifo/opened_table_state.h"
+#include "state/opened_table_state.h"
 
 namespace tarvex {
 

@@ -6,9 +6,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "ifo/adt_state.h"
-#include "ifo/pgci_state.h"
-#include "ifo/srpt_state.h"
+#include "state/adt_state.h"
+#include "state/pgci_state.h"
+#include "state/srpt_state.h"
 
 namespace tarvex {
 

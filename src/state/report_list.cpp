@@ -1,4 +1,4 @@
-#include "app/report_list.h"
+#include "state/report_list.h"
 
 namespace tarvex {
 
