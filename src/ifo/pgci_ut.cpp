@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "ifo/layouts.h"
 #include "ifo/opened_table.h"
 #include "ifo/pgc.h"
 #include "ifo/source.h"
@@ -141,8 +142,17 @@ struct UnitTable {
   std::vector<std::uint8_t> body;
   std::uint32_t units = 0;
   ByteView view() const { return ByteView(body); }
-  std::size_t at(std::uint32_t n) const { return kPointerSize * (n - 1); }
-  std::uint32_t unit_offset(std::uint32_t n) const { return view().be32(at(n) + 4); }
+  // The search pointer of unit n (from 1): language code, existence flags, offset.
+  ByteView pointer(std::uint32_t n) const {
+    return view().sub(kPointerSize * (n - 1), kLanguageUnitPointerBytes);
+  }
+  std::uint32_t field(std::uint32_t n, std::string_view key) const {
+    return DiscValue(pointer(n), LanguageUnitPointerLayout(), key);
+  }
+  std::uint32_t unit_offset(std::uint32_t n) const { return field(n, "lu_sa"); }
+  ByteView code(std::uint32_t n) const {
+    return DiscFieldBytes(pointer(n), LanguageUnitPointerLayout(), "lcd");
+  }
 };
 
 UnitTable ReadUnitTable(const OpenedTable& s) {
@@ -180,12 +190,11 @@ void ReportUnitTable(AppContext& ctx, const Instance& in) {
   const OpenedTable& s = (ctx.ifo.*in.state).opened;
   if (!s.open()) return;
   UnitTable t = ReadUnitTable(s);
-  ByteView v = t.view();
   ctx.AddReportLine(Format(in.count_line, {s.count}));
   ctx.AddReportLine(Format(in.end_line, {s.end_address}));
   for (std::uint32_t n = 1; n <= t.units; ++n) {
-    ctx.AddReportLine(Format(in.code_line, {n, v.u8(t.at(n)), v.u8(t.at(n) + 1)}));
-    ctx.AddReportLine(Format(in.existence_line, {n, v.u8(t.at(n) + 3)}));
+    ctx.AddReportLine(Format(in.code_line, {n, t.code(n).u8(0), t.code(n).u8(1)}));
+    ctx.AddReportLine(Format(in.existence_line, {n, t.field(n, "exst")}));
     ctx.AddReportLine(Format(in.start_line, {n, t.unit_offset(n)}));
   }
 }
@@ -194,14 +203,13 @@ void DisassembleUnitTable(AppContext& ctx, const Instance& in) {
   const OpenedTable& s = (ctx.ifo.*in.state).opened;
   if (!s.open()) return;
   UnitTable t = ReadUnitTable(s);
-  ByteView v = t.view();
   WriteSourceValue(ctx, in.section, in.count_key, Format("%d", {s.count}));
   WriteSourceValue(ctx, in.section, in.end_key, Format("%d", {s.end_address}));
   for (std::uint32_t n = 1; n <= t.units; ++n) {
     WriteSourceValue(ctx, in.section, Format(in.code_key, {n}),
-                     Format("%c%c", {v.u8(t.at(n)), v.u8(t.at(n) + 1)}));
+                     Format("%c%c", {t.code(n).u8(0), t.code(n).u8(1)}));
     WriteSourceValue(ctx, in.section, Format(in.existence_key, {n}),
-                     Format("%02x", {v.u8(t.at(n) + 3)}));
+                     Format("%02x", {t.field(n, "exst")}));
     WriteSourceValue(ctx, in.section, Format(in.start_key, {n}), Format("%d", {t.unit_offset(n)}));
   }
 }
@@ -241,10 +249,12 @@ void ReportLanguageUnits(AppContext& ctx, const Instance& in) {
     ctx.AddReportLine(Format(in.lu_count_line, {n, b.be16(0)}));
     ctx.AddReportLine(Format(in.lu_end_line, {n, b.be32(4)}));
     for (std::uint32_t p = 1; p <= lu.pgcs; ++p) {
-      std::size_t at = kHeaderSize + kPointerSize * (p - 1);
-      ctx.AddReportLine(Format(in.pgc_category_line, {p, b.be32(at)}));
-      ctx.AddReportLine(Format(in.pgc_address_line, {p, b.be32(at + 4)}));
-      PgcReport(ctx, 4, b, b.be32(at + 4));
+      ByteView pointer = b.sub(kHeaderSize + kPointerSize * (p - 1), kChainPointerBytes);
+      std::uint32_t address = DiscValue(pointer, ChainPointerLayout(), "pgci_sa");
+      ctx.AddReportLine(
+          Format(in.pgc_category_line, {p, DiscValue(pointer, ChainPointerLayout(), "pgc_cat")}));
+      ctx.AddReportLine(Format(in.pgc_address_line, {p, address}));
+      PgcReport(ctx, 4, b, address);
     }
   }
 }
@@ -262,11 +272,13 @@ void DisassembleLanguageUnits(AppContext& ctx, const Instance& in) {
     WriteSourceValue(ctx, in.lu_section, Format(in.lu_count_key, {n}), Format("%d", {b.be16(0)}));
     WriteSourceValue(ctx, in.lu_section, Format(in.lu_end_key, {n}), Format("%d", {b.be32(4)}));
     for (std::uint32_t p = 1; p <= lu.pgcs; ++p) {
-      std::size_t at = kHeaderSize + kPointerSize * (p - 1);
+      ByteView pointer = b.sub(kHeaderSize + kPointerSize * (p - 1), kChainPointerBytes);
+      std::uint32_t address = DiscValue(pointer, ChainPointerLayout(), "pgci_sa");
       std::string section = Format(in.pgc_section, {n, p});
-      WriteSourceValue(ctx, section, in.pgc_category_key, Format("%08x", {b.be32(at)}));
-      WriteSourceValue(ctx, section, in.pgc_address_key, Format("%d", {b.be32(at + 4)}));
-      PgcDisassemble(ctx, b, b.be32(at + 4), in.pgc_prefix, section);
+      WriteSourceValue(ctx, section, in.pgc_category_key,
+                       Format("%08x", {DiscValue(pointer, ChainPointerLayout(), "pgc_cat")}));
+      WriteSourceValue(ctx, section, in.pgc_address_key, Format("%d", {address}));
+      PgcDisassemble(ctx, b, address, in.pgc_prefix, section);
     }
   }
 }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <string>
 
+#include "ifo/layouts.h"
 #include "ifo/opened_table.h"
 #include "ifo/pgc.h"
 #include "ifo/source.h"
@@ -52,9 +53,10 @@ void ReportPgcit(AppContext& ctx) {
   ctx.AddReportLine(Format("Number of VTS_PGCI_SRP: %d", {s.count}));
   ctx.AddReportLine(Format("End byte address of VTS_PGCI table: %d", {s.end_address}));
   for (std::uint32_t n = 1; n <= body.pointers; ++n) {
-    std::size_t at = kPointerSize * (n - 1);
-    std::uint32_t offset = view.be32(at + 4);
-    ctx.AddReportLine(Format("  VTS_PGC Category %d: %08x", {n, view.be32(at)}));
+    ByteView pointer = view.sub(kPointerSize * (n - 1), kPointerSize);
+    std::uint32_t offset = DiscValue(pointer, ChainPointerLayout(), "pgci_sa");
+    ctx.AddReportLine(Format("  VTS_PGC Category %d: %08x",
+                             {n, DiscValue(pointer, ChainPointerLayout(), "pgc_cat")}));
     ctx.AddReportLine(Format("  VTS_PGCI memory offset address %d: %d", {n, offset}));
     ctx.AddReportLine(Format("    Program Chain Information Table (PGCI) %d", {n}));
     // Chain offsets count from the start of the table; one inside the header reads as nothing.
@@ -70,10 +72,10 @@ void DisassemblePgcit(AppContext& ctx) {
   WriteSourceValue(ctx, kSection, "vts_pgci_srp_ns", Format("%d", {s.count}));
   WriteSourceValue(ctx, kSection, "vts_pgcit_ea", Format("%d", {s.end_address}));
   for (std::uint32_t n = 1; n <= body.pointers; ++n) {
-    std::size_t at = kPointerSize * (n - 1);
-    std::uint32_t offset = view.be32(at + 4);
+    ByteView pointer = view.sub(kPointerSize * (n - 1), kPointerSize);
+    std::uint32_t offset = DiscValue(pointer, ChainPointerLayout(), "pgci_sa");
     WriteSourceValue(ctx, kSection, Format("vts_pgc_cat%02d", {n}),
-                     Format("%08x", {view.be32(at)}));
+                     Format("%08x", {DiscValue(pointer, ChainPointerLayout(), "pgc_cat")}));
     WriteSourceValue(ctx, kSection, Format("vts_pgci_sa%02d", {n}), Format("%d", {offset}));
     PgcDisassemble(ctx, BodyAt(view, offset), 0, kPgcPrefix, Format("vts_pgcit%02d", {n}));
   }

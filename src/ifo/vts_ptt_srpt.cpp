@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "ifo/layouts.h"
 #include "ifo/opened_table.h"
 #include "ifo/source.h"
 #include "ifo/vtsi_mat.h"
@@ -52,7 +53,10 @@ std::vector<Unit> ReadUnits(const OpenedTable& table) {
     for (std::uint64_t off = result[n].offset; off < end && budget > 0; off += 4, --budget) {
       if (off < 8 || off - 8 >= in_file) break;
       auto pos = static_cast<std::size_t>(off - 8);
-      result[n].parts.push_back({.pgcn = body.be16(pos), .pgn = body.u8(pos, 3)});
+      ByteView part = body.sub(pos, kPartOfTitleBytes);
+      result[n].parts.push_back(
+          {.pgcn = static_cast<std::uint16_t>(DiscValue(part, PartOfTitleLayout(), "pgcn")),
+           .pgn = static_cast<std::uint8_t>(DiscValue(part, PartOfTitleLayout(), "pgn"))});
     }
   }
   return result;
