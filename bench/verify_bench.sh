@@ -44,29 +44,8 @@ echo "VOBs: ${#vobs[@]} files, $bytes bytes; image: $(stat -c %s "$work/disc.iso
 echo "verify of the folder: $("$cli" verify "$disc" 2>&1 | tail -n 1)"
 cat "${vobs[@]}" "$work/disc.iso" > /dev/null  # warm the page cache so every contender starts alike
 
-repeat=${REPEAT:-5}
-results=()
-run() { # NAME COMMAND...: median seconds and highest peak memory of REPEAT runs
-  local name=$1; shift
-  local log=$work/$name.time times=() rss_max=0 wall rss secs
-  for ((r = 0; r < repeat; r++)); do
-    /usr/bin/time -v -o "$log" "$@" > /dev/null 2> "$work/$name.err" || {
-      local rc=$?
-      # verify exits 1 when it finds an error: the bench disc has none.
-      echo "$name failed (exit status $rc):" >&2; cat "$work/$name.err" >&2; exit 1; }
-    wall=$(sed -n 's/.*Elapsed (wall clock) time (h:mm:ss or m:ss): //p' "$log")
-    rss=$(sed -n 's/.*Maximum resident set size (kbytes): //p' "$log")
-    secs=$(awk -v t="$wall" 'BEGIN { n = split(t, p, ":"); s = 0;
-                                     for (i = 1; i <= n; i++) s = s * 60 + p[i]; print s }')
-    times+=("$secs")
-    [ "$rss" -gt "$rss_max" ] && rss_max=$rss
-  done
-  secs=$(printf '%s\n' "${times[@]}" | sort -g | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }')
-  printf '%-10s %8.3f s %9.1f MB/s %8.1f MB peak   (runs: %s)\n' "$name" "$secs" \
-    "$(awk -v b="$bytes" -v s="$secs" 'BEGIN { print (s > 0 ? b / 1048576 / s : 0) }')" \
-    "$(awk -v k="$rss_max" 'BEGIN { print k / 1024 }')" "${times[*]}"
-  results+=("$name $secs $rss_max")
-}
+REPEAT=${REPEAT:-5}
+source "$here/bench/timing.sh"  # run NAME COMMAND...
 
 run cat sh -c 'cat "$@" > /dev/null' sh "${vobs[@]}"
 run cat-iso sh -c 'cat "$1" > /dev/null' sh "$work/disc.iso"
