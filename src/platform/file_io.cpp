@@ -117,6 +117,20 @@ MappedRegion File::MapForReading(std::int64_t pos, std::size_t n) const {
   return region;
 }
 
+std::size_t File::ReadAt(std::int64_t pos, void* buf, std::size_t n) const {
+  if (fd_ < 0 || pos < 0) return 0;
+  std::size_t done = 0;
+  auto* p = static_cast<char*>(buf);
+  while (done < n) {
+    ssize_t got =
+        ::pread(fd_, p + done, n - done, static_cast<off_t>(pos + static_cast<std::int64_t>(done)));
+    if (got < 0 && errno == EINTR) continue;
+    if (got <= 0) break;
+    done += static_cast<std::size_t>(got);
+  }
+  return done;
+}
+
 MappedRegion::~MappedRegion() {
   Reset();
 }

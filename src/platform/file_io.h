@@ -1,5 +1,6 @@
 // The one wrapper over the operating system's handle-based file functions (open, creat, read,
-// write, lseek, tell, file length, access, unlink, close). A File owns its descriptor.
+// positioned read, write, lseek, tell, file length, access, unlink, close). A File owns its
+// descriptor.
 #pragma once
 
 #include <cstddef>
@@ -65,6 +66,12 @@ class File {
   // Maps up to n bytes from pos, cut at the file's current length. An empty region when there
   // is nothing there or the file cannot be mapped (the caller then reads instead).
   MappedRegion MapForReading(std::int64_t pos, std::size_t n) const;
+  // Reads up to n bytes from the absolute position pos without moving the file position,
+  // retrying short reads until n or the end of the file as it is now. Returns the number of
+  // bytes read: fewer than n at the end, or when the system reports an error (a file on a
+  // medium that went away, say): unlike a mapped view, a file shortened by another program
+  // only gives less.
+  std::size_t ReadAt(std::int64_t pos, void* buf, std::size_t n) const;
   void Close();
 
   // access(): does a file of that name exist?

@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <algorithm>
+
 #include "support/test_support.h"
 
 namespace tarvex {
@@ -99,6 +101,43 @@ TEST(FileIoTest, MappingSeesTheLengthTheFileHasNow) {
   region.Reset();
   EXPECT_EQ(region.size(), 0u);
   EXPECT_EQ(region.data(), nullptr);
+}
+
+TEST(FileIoTest, ReadAtReadsFromAnyPositionAndLeavesTheFilePositionAlone) {
+  test::TempDir dir;
+  std::vector<std::uint8_t> bytes = MappingPattern(10000);
+  test::WriteFileBytes(dir.file("in"), bytes);
+  File f = File::OpenRead(dir.file("in"));
+  ASSERT_EQ(f.Seek(123), 123);
+  std::vector<std::uint8_t> buf(1 << 20, 0xEE);
+  ASSERT_EQ(f.ReadAt(2048, buf.data(), buf.size()), 10000u - 2048u);
+  EXPECT_TRUE(std::equal(bytes.begin() + 2048, bytes.end(), buf.begin()));
+  EXPECT_EQ(buf[10000 - 2048], 0xEE);  // nothing written past what was read
+  ASSERT_EQ(f.ReadAt(100, buf.data(), 50), 50u);
+  EXPECT_EQ(buf[49], bytes[149]);
+  EXPECT_EQ(f.Tell(), 123);
+}
+
+TEST(FileIoTest, ReadAtAtOrBeyondTheEndReadsNothing) {
+  test::TempDir dir;
+  test::WriteFileBytes(dir.file("in"), MappingPattern(4096));
+  File f = File::OpenRead(dir.file("in"));
+  std::uint8_t buf[2048];
+  EXPECT_EQ(f.ReadAt(4096, buf, sizeof buf), 0u);
+  EXPECT_EQ(f.ReadAt(9000, buf, sizeof buf), 0u);
+  EXPECT_EQ(f.ReadAt(-1, buf, sizeof buf), 0u);
+  File closed;
+  EXPECT_EQ(closed.ReadAt(0, buf, sizeof buf), 0u);
+}
+
+TEST(FileIoTest, ReadAtSeesTheLengthTheFileHasNow) {
+  test::TempDir dir;
+  test::WriteFileBytes(dir.file("in"), MappingPattern(8192));
+  File f = File::OpenRead(dir.file("in"));
+  test::WriteFileBytes(dir.file("in"), MappingPattern(3000));  // shortened behind the handle
+  std::vector<std::uint8_t> buf(8192);
+  EXPECT_EQ(f.ReadAt(2048, buf.data(), buf.size()), 3000u - 2048u);
+  EXPECT_EQ(f.ReadAt(4096, buf.data(), buf.size()), 0u);
 }
 
 }  // namespace
