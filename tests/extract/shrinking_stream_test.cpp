@@ -1,9 +1,14 @@
 // Extraction from a stream that another program shortens while it is read: the run ends
 // before the first record the stream lost, finishes every file it made, and shows one
 // "File read error!" box naming the stream; no later run of the Extract command starts.
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <poll.h>
+#include <spawn.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <functional>
 
 #include "app/commands.h"
@@ -257,6 +262,70 @@ TEST(ShrinkingStreamExtract, StreamTruncatedByItsOwnOutputIsNoReadErrorForTheNex
   ASSERT_FALSE(run.ctx.report.empty());
   EXPECT_EQ(run.ctx.report.lines()[0], "Illegal sector type, aborting extract operation!");
 }
+
+#ifdef TARVEX_CLI_PATH
+
+// tarvex-cli on a stream shortened while the command runs. The test shortens it at a known
+// point: the stills run fails to make a file whose name is longer than the pipe that takes
+// standard error can hold, so the process waits inside that message box (after the command
+// took the stream's length, before the sub-picture run reads the stream) until the test,
+// having shortened the stream, reads the pipe.
+TEST(ShrinkingStreamCliExtract, ReadErrorOnStandardErrorExitStatusOneAndClosedFiles) {
+  TempDir dir;
+  ::setenv("XDG_CONFIG_HOME", dir.file("config").c_str(), 1);
+  std::filesystem::create_directory(dir.file("out"));
+  std::string stream = dir.file("in.vob");
+  std::vector<Record> records = SubPictureStream(2 * kBlock + 10);
+  WriteFileBytes(stream, Concat(records));
+
+  int err[2];
+  ASSERT_EQ(::pipe2(err, O_CLOEXEC), 0);
+  ::fcntl(err[1], F_SETPIPE_SZ, 4096);
+  int capacity = ::fcntl(err[1], F_GETPIPE_SZ);
+  ASSERT_GT(capacity, 0);
+  std::string stills = dir.file("out") + "/" + std::string(capacity + 1000, 's') + ".M2V";
+  std::string name = stills.substr(0, stills.size() - 4) + "0001.m2v";
+
+  std::vector<std::string> args = {TARVEX_CLI_PATH, "extract",           stream,
+                                   "--stills",      "--subpictures",     "--stills-out",
+                                   stills,          "--subpictures-out", dir.file("out/sp.SUP")};
+  std::vector<char*> argv;
+  for (std::string& a : args) argv.push_back(a.data());
+  argv.push_back(nullptr);
+  posix_spawn_file_actions_t actions;
+  posix_spawn_file_actions_init(&actions);
+  posix_spawn_file_actions_adddup2(&actions, err[1], 2);
+  posix_spawn_file_actions_addopen(&actions, 1, "/dev/null", O_WRONLY, 0);
+  pid_t pid = 0;
+  int spawned = ::posix_spawn(&pid, argv[0], &actions, nullptr, argv.data(), environ);
+  posix_spawn_file_actions_destroy(&actions);
+  ::close(err[1]);
+  ASSERT_EQ(spawned, 0);
+
+  // The first bytes of the stills box: the process now waits for the pipe.
+  pollfd ready = {err[0], POLLIN, 0};
+  ASSERT_EQ(::poll(&ready, 1, 120000), 1);
+  ASSERT_EQ(::truncate(stream.c_str(), static_cast<off_t>(kCutLength)), 0);
+  std::string text;
+  char buf[4096];
+  for (ssize_t n; (n = ::read(err[0], buf, sizeof buf)) != 0;) {
+    if (n > 0) text.append(buf, static_cast<std::size_t>(n));
+    if (n < 0 && errno != EINTR) break;
+  }
+  ::close(err[0]);
+  int status = 0;
+  ASSERT_EQ(::waitpid(pid, &status, 0), pid);
+
+  ASSERT_TRUE(WIFEXITED(status)) << "ended by signal " << WTERMSIG(status);
+  EXPECT_EQ(WEXITSTATUS(status), 1);
+  EXPECT_EQ(text, "File system error!: " + name + "\nFile read error!: " + stream + "\n");
+  std::size_t units = UnitsIn(kKeptRecords);
+  EXPECT_EQ(FilesIn(dir.file("out")).size(), units);
+  EXPECT_EQ(ReadFileBytes(dir.file("out") + Format("/sp00%04d.sup", {units})),
+            LastUnit(records, kKeptRecords));
+}
+
+#endif
 
 }  // namespace
 }  // namespace tarvex
