@@ -154,16 +154,19 @@ TEST(RecordReader, StreamShortenedToAWholeRecordEndsAsShrunk) {
   EXPECT_TRUE(reader.shrunk());
 }
 
+// What Next() returns until it returns 0.
+std::vector<std::size_t> ReadToTheEnd(RecordReader& reader) {
+  std::vector<std::size_t> sizes;
+  for (std::size_t got; (got = reader.Next()) != 0;) sizes.push_back(got);
+  return sizes;
+}
+
 TEST(RecordReader, ShortLastRecordOfTheStreamAsItWasIsNoShrinking) {
   TempDir dir;
   WriteFileBytes(dir.file("in"), Pattern(3 * 2048 + 100, 1));
   File file = File::OpenRead(dir.file("in"));
   RecordReader reader(file, 2 * 2048);
-  EXPECT_EQ(reader.Next(), 2048u);
-  EXPECT_EQ(reader.Next(), 2048u);
-  EXPECT_EQ(reader.Next(), 2048u);
-  EXPECT_EQ(reader.Next(), 100u);
-  EXPECT_EQ(reader.Next(), 0u);
+  EXPECT_EQ(ReadToTheEnd(reader), (std::vector<std::size_t>{2048, 2048, 2048, 100}));
   EXPECT_FALSE(reader.shrunk());
 }
 
@@ -175,10 +178,7 @@ TEST(RecordReader, StreamThatGrewIsReadToItsNewEnd) {
   RecordReader reader(file, 2 * 2048);
   EXPECT_EQ(reader.Next(), 2048u);
   WriteFileBytes(dir.file("in"), Join({bytes, Pattern(2048 + 100, 2)}));
-  EXPECT_EQ(reader.Next(), 2048u);
-  EXPECT_EQ(reader.Next(), 2048u);
-  EXPECT_EQ(reader.Next(), 100u);
-  EXPECT_EQ(reader.Next(), 0u);
+  EXPECT_EQ(ReadToTheEnd(reader), (std::vector<std::size_t>{2048, 2048, 100}));
   EXPECT_FALSE(reader.shrunk());
 }
 
@@ -188,9 +188,7 @@ TEST(RecordReader, ExpectedLengthIsWhatShrinkingIsMeasuredAgainst) {
   File file = File::OpenRead(dir.file("in"));
   RecordReader reader(file, 8 * 2048);
   reader.ExpectLength(2 * 2048 + 1);  // the stream had one byte of a third record
-  EXPECT_EQ(reader.Next(), 2048u);
-  EXPECT_EQ(reader.Next(), 2048u);
-  EXPECT_EQ(reader.Next(), 0u);
+  EXPECT_EQ(ReadToTheEnd(reader), (std::vector<std::size_t>{2048, 2048}));
   EXPECT_TRUE(reader.shrunk());
   // Starting again reads what is there, against the same expectation.
   reader.Rewind();

@@ -62,6 +62,14 @@ struct ShrinkRun {
     };
   }
   void Answer(const std::string& name) { ui.chooser_answers.push_back(out(name)); }
+  // Opens the records, answers the save choosers with out/NAME in turn and shortens the
+  // stream to length bytes when the nth of them is shown.
+  void Prepare(const std::vector<Record>& records, std::initializer_list<const char*> names,
+               int nth, std::size_t length = kCutLength) {
+    Open(records);
+    for (const char* name : names) Answer(name);
+    ShortenAtChooser(nth, length);
+  }
   std::string stream() const { return dir.file("in.vob"); }
   std::string out(const std::string& name) const { return dir.file("out") + "/" + name; }
   Bytes file(const std::string& name) const { return ReadFileBytes(out(name)); }
@@ -81,24 +89,26 @@ Bytes Swapped(Bytes b) {
   return b;
 }
 
+// A stream of n records: record i is make(i, a seed of its own).
+template <typename Make>
+std::vector<Record> Records(std::size_t n, Make make) {
+  std::vector<Record> records;
+  for (std::size_t i = 0; i < n; ++i) records.push_back(make(i, static_cast<std::uint32_t>(i)));
+  return records;
+}
+
 // LPCM stream 0 and AC-3 stream 1 packs taking turns, n records in all.
 std::vector<Record> AudioStream(std::size_t n) {
-  std::vector<Record> records;
-  for (std::size_t i = 0; i < n; ++i) {
-    auto seed = static_cast<std::uint32_t>(i);
-    records.push_back(i % 2 == 0 ? LpcmPack(0xA0, 0x01, seed) : Ac3Pack(0x81, seed));
-  }
-  return records;
+  return Records(n, [](std::size_t i, std::uint32_t seed) {
+    return i % 2 == 0 ? LpcmPack(0xA0, 0x01, seed) : Ac3Pack(0x81, seed);
+  });
 }
 
 TEST(ShrinkingStreamExtract, AudioFilesHoldEveryRecordReadAndWavHeadersArePatched) {
   ShrinkRun run;
   std::vector<Record> records = AudioStream(2 * kBlock + 10);
-  run.Open(records);
-  run.Answer("audio00.WAV");
-  run.Answer("audio01.AC3");
   // Shortened while record 1 is written, after the first block was read.
-  run.ShortenAtChooser(2, kCutLength);
+  run.Prepare(records, {"audio00.WAV", "audio01.AC3"}, 2);
   ExtractAudio(run.ctx);
 
   EXPECT_EQ(run.ui.Messages(), run.ReadErrorOnly());
@@ -121,20 +131,16 @@ TEST(ShrinkingStreamExtract, AudioFilesHoldEveryRecordReadAndWavHeadersArePatche
 
 // Video packs, with a navigation pack every eighth record.
 std::vector<Record> VideoStream(std::size_t n) {
-  std::vector<Record> records;
-  for (std::size_t i = 0; i < n; ++i) {
-    records.push_back(i % 8 == 7 ? NavPack() : VideoPack(static_cast<std::uint32_t>(i)));
-  }
-  return records;
+  return Records(n, [](std::size_t i, std::uint32_t seed) {
+    return i % 8 == 7 ? NavPack() : VideoPack(seed);
+  });
 }
 
 TEST(ShrinkingStreamExtract, VideoFileHoldsThePayloadsOfTheRecordsRead) {
   ShrinkRun run;
   std::vector<Record> records = VideoStream(2 * kBlock + 10);
-  run.Open(records);
-  run.Answer("movie.M2V");
   // Shortened when the file is chosen: the copy pass reads one block whole, the next short.
-  run.ShortenAtChooser(1, kCutLength);
+  run.Prepare(records, {"movie.M2V"}, 1);
   ExtractVideo(run.ctx);
 
   EXPECT_EQ(run.ui.Messages(), run.ReadErrorOnly());
@@ -151,12 +157,9 @@ TEST(ShrinkingStreamExtract, VideoFileHoldsThePayloadsOfTheRecordsRead) {
 
 // Sub-picture units of two packs (PTS, then none) with a video pack after each, n records.
 std::vector<Record> SubPictureStream(std::size_t n) {
-  std::vector<Record> records;
-  for (std::size_t i = 0; i < n; ++i) {
-    auto seed = static_cast<std::uint32_t>(i);
-    records.push_back(i % 3 == 2 ? VideoPack(seed) : SubPicturePack(0x20, i % 3 == 0, seed));
-  }
-  return records;
+  return Records(n, [](std::size_t i, std::uint32_t seed) {
+    return i % 3 == 2 ? VideoPack(seed) : SubPicturePack(0x20, i % 3 == 0, seed);
+  });
 }
 
 // The units the first `kept` records of SubPictureStream() begin.
@@ -178,9 +181,7 @@ Bytes LastUnit(const std::vector<Record>& records, std::size_t kept) {
 TEST(ShrinkingStreamExtract, SubPictureUnitsUpToTheLostRecordAreWrittenAndClosed) {
   ShrinkRun run;
   std::vector<Record> records = SubPictureStream(2 * kBlock + 10);
-  run.Open(records);
-  run.Answer("sp.SUP");
-  run.ShortenAtChooser(1, kCutLength);
+  run.Prepare(records, {"sp.SUP"}, 1);
   ExtractSubPictures(run.ctx);
 
   EXPECT_EQ(run.ui.Messages(), run.ReadErrorOnly());
@@ -213,10 +214,7 @@ TEST(ShrinkingStreamExtract, CommandStartsNoRunAfterTheOneThatFoundTheStreamShor
   std::vector<Record> records = AudioStream(2 * kBlock + 10);
   records.push_back(VideoPack(1));
   records.push_back(SubPicturePack(0x20, true, 2));
-  run.Open(records);
-  run.Answer("audio00.WAV");
-  run.Answer("audio01.AC3");
-  run.ShortenAtChooser(1, kCutLength);
+  run.Prepare(records, {"audio00.WAV", "audio01.AC3"}, 1);
   ExtractCommand(run.ctx, Ticked(true, true, true));
 
   EXPECT_EQ(run.ui.Messages(), run.ReadErrorOnly());
@@ -230,10 +228,8 @@ TEST(ShrinkingStreamExtract, StreamShortenedAfterTheAudioRunReadItStopsTheVideoR
   ShrinkRun run;
   // Small enough for one block: the audio run has read it all when its chooser shortens it.
   Record a = Ac3Pack(0x80, 1);
-  run.Open({a, NavPack(), NavPack(), NavPack(), NavPack(), VideoPack(2)});
-  run.Answer("audio00.AC3");
-  run.Answer("movie.M2V");
-  run.ShortenAtChooser(1, 4 * 2048);
+  run.Prepare({a, NavPack(), NavPack(), NavPack(), NavPack(), VideoPack(2)},
+              {"audio00.AC3", "movie.M2V"}, 1, 4 * 2048);
   ExtractCommand(run.ctx, Ticked(true, true, false));
 
   // The video run expects the length the stream had when the command began.
