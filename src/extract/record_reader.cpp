@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 namespace tarvex {
 
@@ -11,6 +12,10 @@ RecordReader::RecordReader(File& file, std::size_t block_size)
       current_(own_.data()),
       expected_length_(file.Length()) {
   Rewind();
+}
+
+void RecordReader::AlignedDelete::operator()(std::uint8_t* p) const {
+  ::operator delete[](p, std::align_val_t{kBlockAlignment});
 }
 
 RecordReader::~RecordReader() {
@@ -56,7 +61,10 @@ void RecordReader::Refill() {
   // The block is about to be overwritten: keep the current record, which a short read would
   // leave behind its own bytes.
   DropReadAhead();
-  if (!block_) block_ = std::make_unique_for_overwrite<std::uint8_t[]>(block_size_);
+  if (!block_) {
+    block_.reset(static_cast<std::uint8_t*>(
+        ::operator new[](block_size_, std::align_val_t{kBlockAlignment})));
+  }
   available_ = file_.ReadAt(position_, block_.get(), block_size_);
 }
 

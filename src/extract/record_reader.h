@@ -31,6 +31,9 @@ class RecordReader {
   // Large enough to read in few calls, small enough to stay in the processor's cache between
   // the read that fills it and the walk over its records.
   static constexpr std::size_t kDefaultBlockSize = 256 * 1024;  // bytes, a multiple of 2048
+  // The block starts on a memory page: the system copies whole pages of the file into whole
+  // pages faster than into pages cut anywhere.
+  static constexpr std::size_t kBlockAlignment = 4096;  // bytes
 
   // block_size is rounded down to whole records (at least one). The stream is expected to be as
   // long as the file is now.
@@ -79,9 +82,12 @@ class RecordReader {
 
   File& file_;
   std::size_t block_size_;
-  std::unique_ptr<std::uint8_t[]> block_;        // made by the first read
-  std::size_t available_ = 0;                    // valid bytes in the block
-  std::size_t offset_ = 0;                       // next unread byte in the block
+  struct AlignedDelete {
+    void operator()(std::uint8_t* p) const;
+  };
+  std::unique_ptr<std::uint8_t[], AlignedDelete> block_;  // made by the first read
+  std::size_t available_ = 0;                             // valid bytes in the block
+  std::size_t offset_ = 0;                                // next unread byte in the block
   std::array<std::uint8_t, kRecordSize> own_{};  // a record the reader owns (short or kept)
   const std::uint8_t* current_;
   std::int64_t position_ = 0;
