@@ -40,12 +40,12 @@ bytes=$(stat -c %s "$big")
 echo "stream: $copies x $(basename "$vob") = $bytes bytes"
 cat "$big" > /dev/null  # warm the page cache so every contender starts alike
 
-# ---- timing: one run of a command, its outputs removed before (cleanup), the page cache's
-# dirty pages written out first. Prints the wall seconds and the peak RSS in kB.
-time_once() { # cleanup command...
-  local cleanup=$1 log=$work/time.log wall rss
-  shift
-  [ -n "$cleanup" ] && eval "$cleanup"
+# ---- timing: one run of a command after every earlier run's outputs were removed and the
+# page cache's dirty pages written out (so that no contender meets another's 1 GB of files
+# being written back or freed). Prints the wall seconds and the peak RSS in kB.
+time_once() { # command...
+  local log=$work/time.log wall rss
+  rm -f "$work"/tarvex/* "$work"/ffmpeg/* "$work/COPY"
   sync
   /usr/bin/time -v -o "$log" "$@" > "$work/run.out" 2> "$work/run.err" ||
     { echo "$* failed:" >&2; cat "$work/run.err" >&2; exit 1; }
@@ -72,18 +72,20 @@ report() { # name rss_max seconds...
 # tarvex, cp and cat take turns, REPEAT rounds (default 3): on this kind of machine the load
 # and the disk's write-back drift over a minute, and taking turns lets every contender meet
 # the same conditions. Each round's tarvex / cp ratio is kept too.
+tarvex_bytes=0
 repeat=${REPEAT:-3}
 mkdir -p "$work/tarvex" "$work/ffmpeg"
 t_tarvex=() t_cp=() t_cat=() ratios=() m_tarvex=0 m_cp=0 m_cat=0
 for ((r = 0; r < repeat; r++)); do
-  out=$(time_once 'rm -f "$work"/tarvex/*' "$cli" extract "$big" --audio --video \
+  out=$(time_once "$cli" extract "$big" --audio --video \
     --dir "$work/tarvex" --video-out "$work/tarvex/stream.M2V") || exit 1
   read -r t m <<< "$out"
+  tarvex_bytes=$(du -sb "$work/tarvex" | cut -f1)
   t_tarvex+=("$t"); [ "$m" -gt "$m_tarvex" ] && m_tarvex=$m
-  out=$(time_once 'rm -f "$work/COPY"' cp "$big" "$work/COPY") || exit 1
+  out=$(time_once cp "$big" "$work/COPY") || exit 1
   read -r c m <<< "$out"
   t_cp+=("$c"); [ "$m" -gt "$m_cp" ] && m_cp=$m
-  out=$(time_once 'rm -f "$work/COPY"' sh -c 'cat "$1" > /dev/null' sh "$big") || exit 1
+  out=$(time_once sh -c 'cat "$1" > /dev/null' sh "$big") || exit 1
   read -r t2 m <<< "$out"
   t_cat+=("$t2"); [ "$m" -gt "$m_cat" ] && m_cat=$m
   ratios+=("$(awk -v a="$t" -v b="$c" 'BEGIN { print (b > 0 ? a / b : 0) }')")
@@ -109,12 +111,12 @@ while read -r codec; do
   audio=$((audio + 1))
 done < <(ffprobe -v error -select_streams a -show_entries stream=codec_name -of csv=p=0 "$vob")
 # ffmpeg is an order of magnitude slower; one run tells.
-out=$(time_once 'rm -f "$work"/ffmpeg/*' ffmpeg "${ffargs[@]}") || exit 1
+out=$(time_once ffmpeg "${ffargs[@]}") || exit 1
 read -r t m <<< "$out"
 report ffmpeg "$m" "$t"
 
 echo
-echo "output: tarvex $(du -sb "$work/tarvex" | cut -f1) bytes, ffmpeg $(du -sb "$work/ffmpeg" | cut -f1) bytes"
+echo "output: tarvex $tarvex_bytes bytes, ffmpeg $(du -sb "$work/ffmpeg" | cut -f1) bytes"
 awk -v r="${results[*]}" -v rr="$(median "${ratios[@]}")" 'BEGIN {
   n = split(r, f, " ");
   for (i = 1; i <= n; i += 3) { t[f[i]] = f[i + 1]; m[f[i]] = f[i + 2] }
