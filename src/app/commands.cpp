@@ -73,8 +73,10 @@ void ExtractCommand(AppContext& ctx, const ExtractRequest& ticked, const Extract
   if (ticked.extract_stills) request.extract_stills = 1;
   if (ticked.extract_subpictures) request.extract_subpictures = 1;
   if (ticked.disassemble_ifo) request.disassemble_ifo = 1;
+  request.stream_length = ctx.open.file_handle.Length();
 
-  // Each action runs to completion before the next; none depends on another's result.
+  // Each action runs to completion before the next; none depends on another's result, but a
+  // run that finds the stream shortened under it clears the request, so no later one starts.
   if (request.extract_audio == 1) actions.audio(ctx);
   if (request.extract_video == 1) actions.video(ctx);
   if (request.extract_stills == 1) actions.stills(ctx);

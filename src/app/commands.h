@@ -28,8 +28,9 @@ struct ExtractActions {
 ExtractActions DefaultExtractActions();
 
 // Extract, after the dialog was closed with OK and these boxes ticked (a non-zero flag is a
-// ticked box): sets the request flags, then runs audio, video, stills, sub-pictures and
-// disassembly, each whose flag is set, one after the other.
+// ticked box): sets the request flags and takes the open stream's length, then runs audio,
+// video, stills, sub-pictures and disassembly, each whose flag is set, one after the other. A
+// run that finds the stream shorter than that length clears the flags: no later run starts.
 void ExtractCommand(AppContext& ctx, const ExtractRequest& ticked);
 void ExtractCommand(AppContext& ctx, const ExtractRequest& ticked, const ExtractActions& actions);
 // Extract, after the dialog was cancelled: the request flags are cleared and nothing runs.

@@ -24,6 +24,7 @@ constexpr std::string_view kIllegalSector = "Illegal sector type, aborting extra
 constexpr std::string_view kUnknownSector = "Unknown sector type, aborting extract operation!";
 constexpr std::string_view kNothingFound = "End of file, no audio sectors found!";
 constexpr std::string_view kFileSystemError = "File system error!";
+constexpr std::string_view kFileReadError = "File read error!";
 constexpr std::uint32_t kSaveFlags = kChooserHideReadOnly | kChooserFileMustExist;  // 0x1004
 
 // The wait cursor of one run: switched on before a file is created, back off when the run
@@ -65,6 +66,22 @@ std::string BaseName(const std::string& chosen) {
   return chosen.substr(0, chosen.size() > 4 ? chosen.size() - 4 : 0);
 }
 
+// The reader of one run. The stream is expected to keep the length it had when the Extract
+// command began (a run started on its own: when the reader is made).
+void ExpectStreamLength(const AppContext& ctx, RecordReader& reader) {
+  if (ctx.extract.stream_length >= 0) reader.ExpectLength(ctx.extract.stream_length);
+}
+
+// The stream got shorter than the run expects while the run read it (see RecordReader): the
+// walk has ended before the first record the stream no longer holds, and the run has finished
+// every file it made as at the end of the stream (written out, WAV headers patched to the
+// samples written, closed). One "File read error!" box names the stream, and the request is
+// cleared, so no later run of the same Extract command starts on the shortened stream.
+void StopOnShrunkStream(AppContext& ctx) {
+  ctx.ui.ShowMessage(ctx.open.file_path, kFileReadError);
+  ctx.extract = ExtractRequest{};
+}
+
 // A sector no extraction can handle: the error dump; the run ends.
 void AbortOnIllegalSector(AppContext& ctx, RecordReader& reader, std::int32_t type) {
   reader.Release();
@@ -73,14 +90,24 @@ void AbortOnIllegalSector(AppContext& ctx, RecordReader& reader, std::int32_t ty
 
 // Makes an output file. When it is the open stream itself, which creating truncates, the
 // reader first forgets what it read ahead of the current record, so the walk goes on with the
-// file as it then is (as record-by-record reading would). When the file cannot be made the
+// file as it then is (as record-by-record reading would); from then on the run, and the later
+// runs of the command, expect the stream to be as long as the truncation left it (a run's own
+// truncation is no sign of the stream shrinking under it). When the file cannot be made the
 // run ends: the "File system error!" box shows box_text (the routine's line buffer: nothing
 // for audio and video, the numbered name for stills and sub-pictures) and the wait cursor
 // goes back.
 bool CreateOutput(AppContext& ctx, RecordReader& reader, WaitCursor& cursor, OutputFile& file,
                   const std::string& path, const std::string& box_text) {
-  if (IsSameFile(ctx.open.file_path, path)) reader.DropReadAhead();
-  if (file.Create(path)) return true;
+  bool stream_itself = IsSameFile(ctx.open.file_path, path);
+  if (stream_itself) reader.DropReadAhead();
+  if (file.Create(path)) {
+    if (stream_itself) {
+      std::int64_t length = ctx.open.file_handle.Length();
+      reader.ExpectLength(length);
+      if (ctx.extract.stream_length >= 0) ctx.extract.stream_length = length;
+    }
+    return true;
+  }
   ctx.ui.ShowMessage(box_text, kFileSystemError);
   cursor.Off();
   return false;
@@ -205,10 +232,11 @@ void ExtractAudio(AppContext& ctx) {
   ctx.ClearReportList();
   WaitCursor cursor(ctx.ui);
   RecordReader reader(ctx.open.file_handle);
+  ExpectStreamLength(ctx, reader);
   AudioPayload payload;  // an unknown sub-stream keeps the previous pack's start and length
   LpcmParameters lpcm;
-  for (;;) {
-    if (reader.Next() == 0) break;
+  // The end of the stream, or the stream shrank: either way every file is finished below.
+  while (reader.Next() != 0) {
     ByteView record = reader.view();
     std::int32_t type = GetSectorType(record, ctx.stream.stream_number);
     if (type == kSectorIllegal) {
@@ -253,6 +281,7 @@ void ExtractAudio(AppContext& ctx) {
     }
     slot.file.Close();
   }
+  if (reader.shrunk()) StopOnShrunkStream(ctx);
 }
 
 namespace {
@@ -266,7 +295,11 @@ namespace {
 bool FindFirstPack(AppContext& ctx, RecordReader& reader, std::int32_t wanted) {
   for (;;) {
     if (reader.Next() == 0) {
-      ctx.AddReportLine(kNothingFound);
+      if (reader.shrunk()) {
+        StopOnShrunkStream(ctx);
+      } else {
+        ctx.AddReportLine(kNothingFound);
+      }
       return false;
     }
     std::int32_t type = GetSectorType(reader.view(), ctx.stream.stream_number);
@@ -290,7 +323,8 @@ bool HasSequenceEnd(ByteView record, std::uint32_t s) {
 // The copy pass of the video, still and sub-picture extraction: walks the stream again from
 // its start and hands every pack of the wanted type to copy_pack, which returns false when it
 // ended the run itself. An illegal sector ends the run with the error dump, a type above 8 with
-// its line; otherwise the output file is closed at the end of the stream.
+// its line; otherwise the output file is closed at the end of the stream, or when the stream
+// shrank under the pass.
 template <typename CopyPack>
 void CopyPacks(AppContext& ctx, RecordReader& reader, OutputFile& out, std::int32_t wanted,
                CopyPack copy_pack) {
@@ -310,12 +344,14 @@ void CopyPacks(AppContext& ctx, RecordReader& reader, OutputFile& out, std::int3
     if (type == wanted && !copy_pack(record)) return;
   }
   out.Close();
+  if (reader.shrunk()) StopOnShrunkStream(ctx);
 }
 
 void ExtractVideoStream(AppContext& ctx, bool stills) {
   ctx.ClearReportList();
   WaitCursor cursor(ctx.ui);
   RecordReader reader(ctx.open.file_handle);
+  ExpectStreamLength(ctx, reader);
   if (!FindFirstPack(ctx, reader, kSectorVideo)) return;
 
   auto chosen = ChooseOutput(ctx, stills ? ChooserPurpose::kStills : ChooserPurpose::kVideo,
@@ -364,6 +400,7 @@ void ExtractSubPictures(AppContext& ctx) {
   ctx.ClearReportList();
   WaitCursor cursor(ctx.ui);
   RecordReader reader(ctx.open.file_handle);
+  ExpectStreamLength(ctx, reader);
   if (!FindFirstPack(ctx, reader, kSectorSubPicture)) return;
 
   std::uint16_t stream_field = 0;  // never changed: every name carries "00"

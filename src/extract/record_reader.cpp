@@ -2,14 +2,20 @@
 
 #include <algorithm>
 #include <cstring>
+#include <new>
 
 namespace tarvex {
 
 RecordReader::RecordReader(File& file, std::size_t block_size)
     : file_(file),
       block_size_(std::max(kRecordSize, block_size / kRecordSize * kRecordSize)),
-      current_(own_.data()) {
+      current_(own_.data()),
+      expected_length_(file.Length()) {
   Rewind();
+}
+
+void RecordReader::AlignedDelete::operator()(std::uint8_t* p) const {
+  ::operator delete[](p, std::align_val_t{kBlockAlignment});
 }
 
 RecordReader::~RecordReader() {
@@ -23,6 +29,7 @@ void RecordReader::Release() {
 
 void RecordReader::Rewind() {
   position_ = 0;
+  shrunk_ = false;
   DropReadAhead();
 }
 
@@ -45,39 +52,40 @@ void RecordReader::ChangeWhenKept(Change change, std::size_t offset, std::size_t
 
 void RecordReader::DropReadAhead() {
   KeepCurrent();
-  mapping_.Reset();
-  base_ = nullptr;
   available_ = 0;
   offset_ = 0;
 }
 
-bool RecordReader::Refill() {
-  // The block is about to be replaced: keep the current record, which a short read would
+// The block is cut at the file's length as it is now, like a record-by-record read would be.
+void RecordReader::Refill() {
+  // The block is about to be overwritten: keep the current record, which a short read would
   // leave behind its own bytes.
   DropReadAhead();
-  return MapBlock() || ReadBlock();
+  if (!block_) {
+    block_.reset(static_cast<std::uint8_t*>(
+        ::operator new[](block_size_, std::align_val_t{kBlockAlignment})));
+  }
+  available_ = file_.ReadAt(position_, block_.get(), block_size_);
 }
 
-// The window is cut at the file's length as it is now, like a read would be.
-bool RecordReader::MapBlock() {
-  mapping_ = file_.MapForReading(position_, block_size_);
-  base_ = mapping_.data();
-  available_ = mapping_.size();
-  return available_ > 0;
-}
-
-bool RecordReader::ReadBlock() {
-  block_.resize(block_size_);
-  file_.Seek(position_);
-  available_ = file_.Read(block_.data(), block_.size());
-  base_ = block_.data();
-  return available_ > 0;
+std::size_t RecordReader::Expected() const {
+  if (expected_length_ <= position_) return 0;
+  return static_cast<std::size_t>(
+      std::min<std::int64_t>(kRecordSize, expected_length_ - position_));
 }
 
 std::size_t RecordReader::Next() {
-  if (offset_ >= available_ && !Refill()) return 0;
+  if (shrunk_) return 0;
+  if (offset_ >= available_) Refill();
   std::size_t got = std::min(kRecordSize, available_ - offset_);
-  const std::uint8_t* src = base_ + offset_;
+  if (got < Expected()) {
+    // The stream no longer holds this record: the walk ends before it, the file position
+    // stays behind the last record yielded.
+    shrunk_ = true;
+    return 0;
+  }
+  if (got == 0) return 0;
+  const std::uint8_t* src = block_.get() + offset_;
   if (got == kRecordSize) {
     current_ = src;
     pending_ = {};  // the record it was meant for is no longer visible anywhere

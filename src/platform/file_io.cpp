@@ -1,11 +1,9 @@
 #include "platform/file_io.h"
 
 #include <fcntl.h>
-#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <algorithm>
 #include <cerrno>
 #include <utility>
 
@@ -98,52 +96,18 @@ std::int64_t File::Length() const {
   return ::fstat(fd_, &st) == 0 ? static_cast<std::int64_t>(st.st_size) : -1;
 }
 
-MappedRegion File::MapForReading(std::int64_t pos, std::size_t n) const {
-  MappedRegion region;
-  std::int64_t length = Length();
-  if (pos < 0 || n == 0 || pos >= length) return region;
-  std::size_t size =
-      static_cast<std::size_t>(std::min<std::int64_t>(static_cast<std::int64_t>(n), length - pos));
-  const std::int64_t page = ::sysconf(_SC_PAGESIZE);
-  std::int64_t start = pos - pos % page;
-  std::size_t lead = static_cast<std::size_t>(pos - start);
-  void* p = ::mmap(nullptr, lead + size, PROT_READ, MAP_PRIVATE, fd_, static_cast<off_t>(start));
-  if (p == MAP_FAILED) return region;
-  ::madvise(p, lead + size, MADV_SEQUENTIAL);
-  region.mapping_ = p;
-  region.mapping_size_ = lead + size;
-  region.data_ = static_cast<const std::uint8_t*>(p) + lead;
-  region.size_ = size;
-  return region;
-}
-
-MappedRegion::~MappedRegion() {
-  Reset();
-}
-
-MappedRegion::MappedRegion(MappedRegion&& other) noexcept
-    : mapping_(std::exchange(other.mapping_, nullptr)),
-      mapping_size_(std::exchange(other.mapping_size_, 0)),
-      data_(std::exchange(other.data_, nullptr)),
-      size_(std::exchange(other.size_, 0)) {}
-
-MappedRegion& MappedRegion::operator=(MappedRegion&& other) noexcept {
-  if (this != &other) {
-    Reset();
-    mapping_ = std::exchange(other.mapping_, nullptr);
-    mapping_size_ = std::exchange(other.mapping_size_, 0);
-    data_ = std::exchange(other.data_, nullptr);
-    size_ = std::exchange(other.size_, 0);
+std::size_t File::ReadAt(std::int64_t pos, void* buf, std::size_t n) const {
+  if (fd_ < 0 || pos < 0) return 0;
+  std::size_t done = 0;
+  auto* p = static_cast<char*>(buf);
+  while (done < n) {
+    ssize_t got =
+        ::pread(fd_, p + done, n - done, static_cast<off_t>(pos + static_cast<std::int64_t>(done)));
+    if (got < 0 && errno == EINTR) continue;
+    if (got <= 0) break;
+    done += static_cast<std::size_t>(got);
   }
-  return *this;
-}
-
-void MappedRegion::Reset() {
-  if (mapping_) ::munmap(mapping_, mapping_size_);
-  mapping_ = nullptr;
-  mapping_size_ = 0;
-  data_ = nullptr;
-  size_ = 0;
+  return done;
 }
 
 void File::Close() {

@@ -1,5 +1,6 @@
 // The one wrapper over the operating system's handle-based file functions (open, creat, read,
-// write, lseek, tell, file length, access, unlink, close). A File owns its descriptor.
+// positioned read, write, lseek, tell, file length, access, unlink, close). A File owns its
+// descriptor.
 #pragma once
 
 #include <cstddef>
@@ -7,30 +8,6 @@
 #include <string>
 
 namespace tarvex {
-
-// A read-only, private view of part of a file mapped into memory; unmapped when destroyed.
-// Another program that shortens the file while a view of it is alive makes the pages beyond the
-// new end inaccessible, so views are kept small and short-lived.
-class MappedRegion {
- public:
-  MappedRegion() = default;
-  ~MappedRegion();
-  MappedRegion(MappedRegion&& other) noexcept;
-  MappedRegion& operator=(MappedRegion&& other) noexcept;
-  MappedRegion(const MappedRegion&) = delete;
-  MappedRegion& operator=(const MappedRegion&) = delete;
-
-  const std::uint8_t* data() const { return data_; }
-  std::size_t size() const { return size_; }
-  void Reset();
-
- private:
-  friend class File;
-  void* mapping_ = nullptr;  // page-aligned start of the mapping
-  std::size_t mapping_size_ = 0;
-  const std::uint8_t* data_ = nullptr;
-  std::size_t size_ = 0;
-};
 
 class File {
  public:
@@ -62,9 +39,12 @@ class File {
   std::int64_t Tell() const;
   // Length of the file in bytes (-1 when closed).
   std::int64_t Length() const;
-  // Maps up to n bytes from pos, cut at the file's current length. An empty region when there
-  // is nothing there or the file cannot be mapped (the caller then reads instead).
-  MappedRegion MapForReading(std::int64_t pos, std::size_t n) const;
+  // Reads up to n bytes from the absolute position pos without moving the file position,
+  // retrying short reads until n or the end of the file as it is now. Returns the number of
+  // bytes read: fewer than n at the end, or when the system reports an error (a file on a
+  // medium that went away, say). Files are never mapped into memory: a mapped file that
+  // another program shortens stops the process with a bus error where a read just gets less.
+  std::size_t ReadAt(std::int64_t pos, void* buf, std::size_t n) const;
   void Close();
 
   // access(): does a file of that name exist?

@@ -51,13 +51,16 @@ struct StreamState {
   std::uint32_t scroll_range = 0;  // the scroll bar's maximum (minimum is 1)
 };
 
-// The Extract dialog's request flags.
+// The Extract dialog's request flags, and the length of the open stream when the dialog was
+// closed with OK: every run of that Extract command expects the stream to keep it (-1: a run
+// started on its own takes the length the stream has when the run begins).
 struct ExtractRequest {
   std::int32_t extract_audio = 0;
   std::int32_t extract_video = 0;
   std::int32_t extract_stills = 0;
   std::int32_t extract_subpictures = 0;
   std::int32_t disassemble_ifo = 0;
+  std::int64_t stream_length = -1;
 };
 
 // The batch arguments of the desktop tool's command line.

@@ -1,6 +1,7 @@
 #include "extract/record_reader.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 #include <cstring>
 
@@ -110,6 +111,104 @@ TEST(RecordReader, FileTruncatedBehindTheReaderEndsTheWalkAfterDropReadAhead) {
   File::Create(dir.file("in"));
   EXPECT_EQ(reader.view().u8(5), Pattern(6, 1)[5]);
   EXPECT_EQ(reader.Next(), 0u);
+}
+
+// Shortens the file at path to length bytes behind every open handle.
+void ShortenTo(const std::string& path, std::size_t length) {
+  ASSERT_EQ(::truncate(path.c_str(), static_cast<off_t>(length)), 0);
+}
+
+TEST(RecordReader, StreamShortenedBetweenTwoBlocksEndsTheWalkBeforeTheLostRecord) {
+  TempDir dir;
+  Bytes bytes = Pattern(6 * 2048, 1);
+  WriteFileBytes(dir.file("in"), bytes);
+  File file = File::OpenRead(dir.file("in"));
+  {
+    RecordReader reader(file, 2 * 2048);
+    ASSERT_EQ(reader.Next(), 2048u);
+    ASSERT_EQ(reader.Next(), 2048u);  // the first block is used up
+    // Another program cuts the stream inside record 3, before the second block is read.
+    ShortenTo(dir.file("in"), 3 * 2048 + 100);
+    ASSERT_EQ(reader.Next(), 2048u);  // record 2 is still there whole
+    EXPECT_FALSE(reader.shrunk());
+    EXPECT_EQ(Bytes(reader.view().data(), reader.view().data() + 2048), Slice(bytes, 4096, 6144));
+    // Record 3 is not: no short read of it, the walk ends as shrunk and stays ended.
+    EXPECT_EQ(reader.Next(), 0u);
+    EXPECT_TRUE(reader.shrunk());
+    EXPECT_EQ(reader.position(), 3 * 2048);
+    EXPECT_EQ(Bytes(reader.view().data(), reader.view().data() + 2048), Slice(bytes, 4096, 6144));
+    EXPECT_EQ(reader.Next(), 0u);
+  }
+  EXPECT_EQ(file.Tell(), 3 * 2048);
+}
+
+TEST(RecordReader, StreamShortenedToAWholeRecordEndsAsShrunk) {
+  TempDir dir;
+  WriteFileBytes(dir.file("in"), Pattern(6 * 2048, 1));
+  File file = File::OpenRead(dir.file("in"));
+  RecordReader reader(file, 2 * 2048);
+  reader.Next();
+  ShortenTo(dir.file("in"), 2 * 2048);
+  EXPECT_EQ(reader.Next(), 2048u);  // still in the first block
+  EXPECT_EQ(reader.Next(), 0u);
+  EXPECT_TRUE(reader.shrunk());
+}
+
+// What Next() returns until it returns 0.
+std::vector<std::size_t> ReadToTheEnd(RecordReader& reader) {
+  std::vector<std::size_t> sizes;
+  for (std::size_t got; (got = reader.Next()) != 0;) sizes.push_back(got);
+  return sizes;
+}
+
+TEST(RecordReader, ShortLastRecordOfTheStreamAsItWasIsNoShrinking) {
+  TempDir dir;
+  WriteFileBytes(dir.file("in"), Pattern(3 * 2048 + 100, 1));
+  File file = File::OpenRead(dir.file("in"));
+  RecordReader reader(file, 2 * 2048);
+  EXPECT_EQ(ReadToTheEnd(reader), (std::vector<std::size_t>{2048, 2048, 2048, 100}));
+  EXPECT_FALSE(reader.shrunk());
+}
+
+TEST(RecordReader, StreamThatGrewIsReadToItsNewEnd) {
+  TempDir dir;
+  Bytes bytes = Pattern(2 * 2048, 1);
+  WriteFileBytes(dir.file("in"), bytes);
+  File file = File::OpenRead(dir.file("in"));
+  RecordReader reader(file, 2 * 2048);
+  EXPECT_EQ(reader.Next(), 2048u);
+  WriteFileBytes(dir.file("in"), Join({bytes, Pattern(2048 + 100, 2)}));
+  EXPECT_EQ(ReadToTheEnd(reader), (std::vector<std::size_t>{2048, 2048, 100}));
+  EXPECT_FALSE(reader.shrunk());
+}
+
+TEST(RecordReader, ExpectedLengthIsWhatShrinkingIsMeasuredAgainst) {
+  TempDir dir;
+  WriteFileBytes(dir.file("in"), Pattern(2 * 2048, 1));
+  File file = File::OpenRead(dir.file("in"));
+  RecordReader reader(file, 8 * 2048);
+  reader.ExpectLength(2 * 2048 + 1);  // the stream had one byte of a third record
+  EXPECT_EQ(ReadToTheEnd(reader), (std::vector<std::size_t>{2048, 2048}));
+  EXPECT_TRUE(reader.shrunk());
+  // Starting again reads what is there, against the same expectation.
+  reader.Rewind();
+  EXPECT_FALSE(reader.shrunk());
+  EXPECT_EQ(reader.Next(), 2048u);
+  reader.ExpectLength(0);  // as after the extraction truncated its own input
+  EXPECT_EQ(reader.Next(), 2048u);
+  EXPECT_EQ(reader.Next(), 0u);
+  EXPECT_FALSE(reader.shrunk());
+}
+
+TEST(RecordReader, StreamShortenedBeforeTheFirstReadEndsAsShrunkAtOnce) {
+  TempDir dir;
+  WriteFileBytes(dir.file("in"), Pattern(3 * 2048, 1));
+  File file = File::OpenRead(dir.file("in"));
+  RecordReader reader(file);
+  ShortenTo(dir.file("in"), 0);
+  EXPECT_EQ(reader.Next(), 0u);
+  EXPECT_TRUE(reader.shrunk());
+  EXPECT_EQ(reader.position(), 0);
 }
 
 // A change the caller only needs where the record's bytes stay visible (as the LPCM swap): it

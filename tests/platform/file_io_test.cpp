@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 
+#include <algorithm>
+
 #include "support/test_support.h"
 
 namespace tarvex {
@@ -57,48 +59,47 @@ TEST(FileIoTest, ReadOfRegularFileIsBlocking) {
 }
 
 // A file of n bytes whose byte i is (i * 7 + 3) & 0xFF.
-std::vector<std::uint8_t> MappingPattern(std::size_t n) {
+std::vector<std::uint8_t> PositionPattern(std::size_t n) {
   std::vector<std::uint8_t> bytes(n);
   for (std::size_t i = 0; i < n; ++i) bytes[i] = static_cast<std::uint8_t>(i * 7 + 3);
   return bytes;
 }
 
-TEST(FileIoTest, MappingStartsAtAnyPositionAndStopsAtTheEnd) {
+TEST(FileIoTest, ReadAtReadsFromAnyPositionAndLeavesTheFilePositionAlone) {
   test::TempDir dir;
-  std::vector<std::uint8_t> bytes = MappingPattern(10000);
+  std::vector<std::uint8_t> bytes = PositionPattern(10000);
   test::WriteFileBytes(dir.file("in"), bytes);
   File f = File::OpenRead(dir.file("in"));
-  // 2048 is not a page boundary: the view still starts at byte 2048.
-  MappedRegion region = f.MapForReading(2048, 1 << 20);
-  ASSERT_EQ(region.size(), 10000u - 2048u);
-  EXPECT_EQ(region.data()[0], bytes[2048]);
-  EXPECT_EQ(region.data()[region.size() - 1], bytes[9999]);
-  MappedRegion part = f.MapForReading(100, 50);
-  ASSERT_EQ(part.size(), 50u);
-  EXPECT_EQ(part.data()[49], bytes[149]);
+  ASSERT_EQ(f.Seek(123), 123);
+  std::vector<std::uint8_t> buf(1 << 20, 0xEE);
+  ASSERT_EQ(f.ReadAt(2048, buf.data(), buf.size()), 10000u - 2048u);
+  EXPECT_TRUE(std::equal(bytes.begin() + 2048, bytes.end(), buf.begin()));
+  EXPECT_EQ(buf[10000 - 2048], 0xEE);  // nothing written past what was read
+  ASSERT_EQ(f.ReadAt(100, buf.data(), 50), 50u);
+  EXPECT_EQ(buf[49], bytes[149]);
+  EXPECT_EQ(f.Tell(), 123);
 }
 
-TEST(FileIoTest, MappingAtOrBeyondTheEndIsEmpty) {
+TEST(FileIoTest, ReadAtAtOrBeyondTheEndReadsNothing) {
   test::TempDir dir;
-  test::WriteFileBytes(dir.file("in"), MappingPattern(4096));
+  test::WriteFileBytes(dir.file("in"), PositionPattern(4096));
   File f = File::OpenRead(dir.file("in"));
-  EXPECT_EQ(f.MapForReading(4096, 2048).size(), 0u);
-  EXPECT_EQ(f.MapForReading(9000, 2048).size(), 0u);
-  EXPECT_EQ(f.MapForReading(-1, 2048).size(), 0u);
+  std::uint8_t buf[2048];
+  EXPECT_EQ(f.ReadAt(4096, buf, sizeof buf), 0u);
+  EXPECT_EQ(f.ReadAt(9000, buf, sizeof buf), 0u);
+  EXPECT_EQ(f.ReadAt(-1, buf, sizeof buf), 0u);
   File closed;
-  EXPECT_EQ(closed.MapForReading(0, 2048).size(), 0u);
+  EXPECT_EQ(closed.ReadAt(0, buf, sizeof buf), 0u);
 }
 
-TEST(FileIoTest, MappingSeesTheLengthTheFileHasNow) {
+TEST(FileIoTest, ReadAtSeesTheLengthTheFileHasNow) {
   test::TempDir dir;
-  test::WriteFileBytes(dir.file("in"), MappingPattern(8192));
+  test::WriteFileBytes(dir.file("in"), PositionPattern(8192));
   File f = File::OpenRead(dir.file("in"));
-  test::WriteFileBytes(dir.file("in"), MappingPattern(3000));  // shortened behind the handle
-  MappedRegion region = f.MapForReading(2048, 8192);
-  EXPECT_EQ(region.size(), 3000u - 2048u);
-  region.Reset();
-  EXPECT_EQ(region.size(), 0u);
-  EXPECT_EQ(region.data(), nullptr);
+  test::WriteFileBytes(dir.file("in"), PositionPattern(3000));  // shortened behind the handle
+  std::vector<std::uint8_t> buf(8192);
+  EXPECT_EQ(f.ReadAt(2048, buf.data(), buf.size()), 3000u - 2048u);
+  EXPECT_EQ(f.ReadAt(4096, buf.data(), buf.size()), 0u);
 }
 
 }  // namespace

@@ -13,6 +13,8 @@
 #include <QScrollBar>
 #include <QTemporaryDir>
 #include <cstdlib>
+#include <filesystem>
+#include <functional>
 #include <map>
 #include <string>
 #include <vector>
@@ -47,10 +49,13 @@ class AnsweringUi : public QtUi {
   std::vector<ChooserRequest> requests;
   std::map<ChooserPurpose, std::string> answers;
   bool yes = true;
+  // Runs when a chooser is shown, before it is answered.
+  std::function<void(const ChooserRequest&)> on_chooser;
 
  private:
   std::optional<std::string> Answer(const ChooserRequest& request) {
     requests.push_back(request);
+    if (on_chooser) on_chooser(request);
     auto it = answers.find(request.purpose);
     if (it == answers.end()) return std::nullopt;
     return it->second;
@@ -226,6 +231,33 @@ TEST_F(MainWindowTest, CancelledExtractClearsTheRequestAndRunsNothing) {
   window_.button(kIdExtract)->click();
   EXPECT_EQ(ctx_.extract.extract_audio, 0);
   EXPECT_EQ(ui_.requests.size(), requests);
+}
+
+TEST_F(MainWindowTest, StreamShortenedDuringExtractShowsTheReadErrorAndTheWindowGoesOn) {
+  QTemporaryDir dir;
+  const std::string stream = dir.filePath("VTS_01_1.VOB").toStdString();
+  const std::string video = dir.filePath("movie.M2V").toStdString();
+  std::filesystem::copy_file(kTitleVob, stream);
+  ui_.answers[ChooserPurpose::kOpenInput] = stream;
+  window_.Open();
+  // Another program cuts the stream to 1 MB while the video file is chosen.
+  ui_.answers[ChooserPurpose::kVideo] = video;
+  ui_.on_chooser = [&](const ChooserRequest& request) {
+    if (request.purpose == ChooserPurpose::kVideo) std::filesystem::resize_file(stream, 1 << 20);
+  };
+  window_.run_extract_dialog = [](ExtractDialog& dialog) {
+    dialog.box(103)->setChecked(true);
+    return static_cast<int>(QDialog::Accepted);
+  };
+  window_.button(kIdExtract)->click();
+  EXPECT_EQ(ui_.messages, (std::vector<std::string>{"File read error!: " + stream}));
+  EXPECT_GT(std::filesystem::file_size(video), 0u);
+
+  // The window goes on: the next Extract reads the stream as it now is, without a box.
+  ui_.on_chooser = nullptr;
+  window_.button(kIdExtract)->click();
+  EXPECT_EQ(ui_.messages.size(), 1u);
+  EXPECT_EQ(ctx_.extract.extract_video, 1);
 }
 
 TEST_F(MainWindowTest, SaveAsTextWritesTheLinesWithCrLf) {
