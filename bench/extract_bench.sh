@@ -46,67 +46,6 @@ cat "$big" > /dev/null  # warm the page cache so every contender starts alike
 cleanup='rm -f "$work"/tarvex/* "$work"/ffmpeg/* "$work/COPY"'
 source "$here/bench/timing.sh"
 
-# tarvex, cp and cat take turns for REPEAT rounds (default 3); each one's median time counts,
-# and the median of the rounds' own tarvex / cp ratios is printed beside the ratio of medians.
-#
-# Usage: bench/extract_bench.sh [VOB] [MIN_MB]
-#   VOB     default samples/disc/VIDEO_TS/VTS_01_1.VOB
-#   MIN_MB  size of the repeated stream, default 1024
-# Environment: TARVEX_CLI (default build/tarvex-cli), BENCH_TMP (default $TMPDIR or /tmp),
-#   BENCH_KEEP=1 keeps the temporary folder.
-set -euo pipefail
-
-here=$(cd "$(dirname "$0")/.." && pwd)
-vob=${1:-$here/samples/disc/VIDEO_TS/VTS_01_1.VOB}
-min_mb=${2:-1024}
-cli=${TARVEX_CLI:-$here/build/tarvex-cli}
-
-for tool in "$cli" ffmpeg /usr/bin/time; do
-  command -v "$tool" >/dev/null || { echo "missing $tool" >&2; exit 1; }
-done
-[ -f "$vob" ] || { echo "missing $vob" >&2; exit 1; }
-
-work=$(mktemp -d "${BENCH_TMP:-${TMPDIR:-/tmp}}/tarvex-bench.XXXXXX")
-[ "${BENCH_KEEP:-0}" = 1 ] || trap 'rm -rf "$work"' EXIT
-
-# ---- the stream: whole copies of the VOB until it reaches MIN_MB -------------------------
-big=$work/stream.vob
-vob_bytes=$(stat -c %s "$vob")
-copies=$(( (min_mb * 1024 * 1024 + vob_bytes - 1) / vob_bytes ))
-for ((i = 0; i < copies; i++)); do cat "$vob"; done > "$big"
-bytes=$(stat -c %s "$big")
-echo "stream: $copies x $(basename "$vob") = $bytes bytes"
-cat "$big" > /dev/null  # warm the page cache so every contender starts alike
-
-# ---- timing: one run of a command after every earlier run's outputs were removed and the
-# page cache's dirty pages written out (so that no contender meets another's 1 GB of files
-# being written back or freed). Prints the wall seconds and the peak RSS in kB.
-time_once() { # command...
-  local log=$work/time.log wall rss
-  rm -f "$work"/tarvex/* "$work"/ffmpeg/* "$work/COPY"
-  sync
-  /usr/bin/time -v -o "$log" "$@" > "$work/run.out" 2> "$work/run.err" ||
-    { echo "$* failed:" >&2; cat "$work/run.err" >&2; exit 1; }
-  wall=$(sed -n 's/.*Elapsed (wall clock) time (h:mm:ss or m:ss): //p' "$log")
-  rss=$(sed -n 's/.*Maximum resident set size (kbytes): //p' "$log")
-  awk -v t="$wall" -v r="$rss" 'BEGIN { n = split(t, p, ":"); s = 0;
-                                        for (i = 1; i <= n; i++) s = s * 60 + p[i]; print s, r }'
-}
-
-median() { printf '%s\n' "$@" | sort -g | awk '{ v[NR] = $1 } END { print v[int((NR + 1) / 2)] }'; }
-
-# Prints a contender's median time, its throughput, its highest peak RSS and every run.
-results=()
-report() { # name rss_max seconds...
-  local name=$1 rss_max=$2 secs
-  shift 2
-  secs=$(median "$@")
-  printf '%-10s %8.2f s %9.1f MB/s %8.1f MB peak   (runs: %s)\n' "$name" "$secs" \
-    "$(awk -v b="$bytes" -v s="$secs" 'BEGIN { print (s > 0 ? b / 1048576 / s : 0) }')" \
-    "$(awk -v k="$rss_max" 'BEGIN { print k / 1024 }')" "$*"
-  results+=("$name $secs $rss_max")
-}
-
 # tarvex, cp and cat take turns, REPEAT rounds (default 3): on this kind of machine the load
 # and the disk's write-back drift over a minute, and taking turns lets every contender meet
 # the same conditions. Each round's tarvex / cp ratio is kept too.
