@@ -10,6 +10,7 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <string_view>
 
 namespace tarvex {
 
@@ -148,6 +149,21 @@ int ImageClose(udfread_block_input*) {
   return 0;  // the ImageDisc owns the input and closes it
 }
 
+// Whether the image's volume recognition sequence (from sector 16 on) announces a UDF
+// file system (an NSR02 or NSR03 descriptor). Checked before libudfread opens the image, so
+// that an image without UDF gets our one-line reason instead of the library's own messages.
+bool AnnouncesUdf(ImageInput& input) {
+  static constexpr std::string_view kKnown[] = {"BEA01", "TEA01", "CD001", "CDW02", "BOOT2"};
+  std::uint8_t sector[UDF_BLOCK_SIZE];
+  for (std::uint32_t lba = 16; lba < 16 + 64; ++lba) {
+    if (ImageRead(&input.base, lba, sector, 1, 0) != 1) return false;
+    std::string_view id(reinterpret_cast<const char*>(sector + 1), 5);
+    if (id == "NSR02" || id == "NSR03") return true;
+    if (std::find(std::begin(kKnown), std::end(kKnown), id) == std::end(kKnown)) return false;
+  }
+  return false;
+}
+
 class UdfFile final : public DiscFile {
  public:
   explicit UdfFile(UDFFILE* file) : file_(file) {
@@ -202,6 +218,10 @@ class ImageDisc final : public DiscAccess {
     input_->base.read = ImageRead;
     input_->base.size = ImageSize;
     input_->base.close = ImageClose;
+    if (!AnnouncesUdf(*input_)) {
+      error = "no UDF file system in the image";
+      return false;
+    }
     udf_ = udfread_init();
     if (udf_ == nullptr || udfread_open_input(udf_, &input_->base) < 0) {
       error = "no UDF file system in the image";
