@@ -1,6 +1,7 @@
 // info, verify: the whole-disc commands.
 #include <cstdio>
 #include <memory>
+#include <string>
 
 #include "cli/cli.h"
 #include "disc/info.h"
@@ -17,6 +18,11 @@ constexpr const char* kDiscHelp =
 void Print(const std::string& text) {
   std::fwrite(text.data(), 1, text.size(), stdout);
   std::fflush(stdout);
+}
+
+// "1 error", "2 errors", "0 errors".
+std::string Counted(std::size_t n, const char* noun) {
+  return std::to_string(n) + " " + noun + (n == 1 ? "" : "s");
 }
 
 void PrintError(const std::string& command, const std::string& disc, const std::string& error) {
@@ -122,9 +128,10 @@ void AddVerify(CLI::App& app, Session& session) {
       }
       VerifyResult result = VerifyDisc(*disc, {.ifo_only = o->ifo_only});
       Print(o->json ? VerifyJson(o->disc, result) : VerifyText(result));
-      std::fprintf(stderr, "%s: %zu errors, %zu warnings, %zu notes%s\n", o->disc.c_str(),
-                   result.errors, result.warnings, result.infos,
-                   o->ifo_only ? " (IFO files only)" : "");
+      std::fprintf(stderr, "%s: %s, %s, %s%s\n", o->disc.c_str(),
+                   Counted(result.errors, "error").c_str(),
+                   Counted(result.warnings, "warning").c_str(),
+                   Counted(result.infos, "note").c_str(), o->ifo_only ? " (IFO files only)" : "");
       session.exit_status = result.errors > 0 ? 1 : 0;
     };
   });

@@ -1,6 +1,8 @@
 // tarvex-cli info, verify and list --json: exit statuses, JSON parsed back, help.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
+
 #include "disc/disc_test_support.h"
 
 #ifdef TARVEX_CLI_PATH
@@ -33,6 +35,27 @@ TEST(DiscCli, VerifyExitStatuses) {
   EXPECT_EQ(RunCli({"verify"}).status, 2);
   EXPECT_EQ(RunCli({"verify", "--bogus", test::SampleDisc()}).status, 2);
   EXPECT_EQ(RunCli({"info"}).status, 2);
+}
+
+// An image without a UDF file system (here an ISO 9660 image of the sample, made without
+// -dvd-video or -udf) is refused with one line of ours, nothing from the image library.
+TEST(DiscCli, ImageWithoutUdfIsRefusedInOneLine) {
+  ASSERT_TRUE(test::HaveTool("genisoimage")) << "genisoimage missing (tools/install-deps.sh test)";
+  test::TempDir dir;
+  std::string iso = dir.file("plain.iso");
+  std::string command = "genisoimage -quiet -o " + test::ShellQuote(iso) + " " +
+                        test::ShellQuote(test::SampleDisc()) + " 2>/dev/null";
+  ASSERT_EQ(std::system(command.c_str()), 0);
+  test::CliRun run = RunCli({"info", iso});
+  EXPECT_EQ(run.status, 1);
+  EXPECT_EQ(run.out, "");
+  EXPECT_EQ(run.err, "tarvex-cli info: " + iso + ": no UDF file system in the image\n");
+}
+
+TEST(DiscCli, VerifySummaryCountsInWords) {
+  test::TempDir dir;
+  test::CliRun damaged = RunCli({"verify", test::Damage(dir, "nav-lbn")});
+  EXPECT_EQ(damaged.err, test::Damage(dir, "nav-lbn") + ": 1 error, 0 warnings, 0 notes\n");
 }
 
 TEST(DiscCli, VerifyJsonAndListChecks) {
