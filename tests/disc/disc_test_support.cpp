@@ -13,16 +13,20 @@ std::string SampleDisc() {
   return std::string(TARVEX_SAMPLES_DIR) + "/disc";
 }
 
-std::string CopySample(const TempDir& dir, const std::string& name) {
+std::string CopyDisc(const std::string& disc, const TempDir& dir, const std::string& name) {
   std::filesystem::path target = std::filesystem::path(dir.path()) / name / "VIDEO_TS";
   std::filesystem::create_directories(target);
-  for (const auto& entry : std::filesystem::directory_iterator(SampleDisc() + "/VIDEO_TS")) {
+  for (const auto& entry : std::filesystem::directory_iterator(disc + "/VIDEO_TS")) {
     std::filesystem::copy_file(entry.path(), target / entry.path().filename());
     std::filesystem::permissions(
         target / entry.path().filename(),
         std::filesystem::perms::owner_read | std::filesystem::perms::owner_write);
   }
   return (std::filesystem::path(dir.path()) / name).string();
+}
+
+std::string CopySample(const TempDir& dir, const std::string& name) {
+  return CopyDisc(SampleDisc(), dir, name);
 }
 
 void Patch(const std::string& path, std::size_t offset, const std::vector<std::uint8_t>& bytes) {

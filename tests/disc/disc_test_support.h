@@ -12,6 +12,9 @@ namespace tarvex::test {
 
 // samples/disc (the folder that holds VIDEO_TS).
 std::string SampleDisc();
+// A writable copy of the VIDEO_TS of disc (a folder holding one) as dir/name/VIDEO_TS;
+// returns dir/name.
+std::string CopyDisc(const std::string& disc, const TempDir& dir, const std::string& name);
 // A copy of the sample's VIDEO_TS as dir/name/VIDEO_TS; returns dir/name.
 std::string CopySample(const TempDir& dir, const std::string& name);
 // Writes bytes at offset of an existing file.

@@ -6,6 +6,7 @@
 #include <regex>
 #include <sstream>
 
+#include "disc/authored_disc.h"
 #include "disc/disc_test_support.h"
 #include "disc/info.h"
 #include "disc/model.h"
@@ -209,17 +210,10 @@ TEST(InfoLsdvd, StreamIdsFollowTheChainsControlNotThePosition) {
 // A disc authored at test time by ffmpeg and dvdauthor, other than the sample: PAL 16:9, two
 // titles in one title set (3 and 2 chapters), two AC-3 streams, a first-play command.
 std::string AuthoredDisc(const test::TempDir& dir) {
-  for (int t = 1; t <= 2; ++t) {
-    std::string command =
-        "ffmpeg -v error -y -f lavfi -i testsrc=size=720x576:rate=25:duration=4 -f lavfi -i "
-        "sine=frequency=440:duration=4 -f lavfi -i sine=frequency=880:duration=4 -map 0:v "
-        "-map 1:a -map 2:a -c:v mpeg2video -b:v 3M -aspect 16:9 -g 12 -c:a ac3 -b:a 128k "
-        "-ar 48000 -muxrate 10080000 -packetsize 2048 -f dvd " +
-        test::ShellQuote(dir.file("t" + std::to_string(t) + ".mpg")) + " 2>&1";
-    test::CaptureCommand(command);
+  for (const char* clip : {"t1.mpg", "t2.mpg"}) {
+    test::MakeClip(dir, {.file = clip, .wide = true, .seconds = 4, .audio = {"ac3", "ac3"}});
   }
-  test::WriteFileBytes(dir.file("disc.xml"), [] {
-    std::string xml = R"(<dvdauthor dest="out">
+  return test::AuthorDisc(dir, R"(<dvdauthor dest="out">
   <vmgm><menus><video format="pal" aspect="16:9"/></menus><fpc>jump title 2;</fpc></vmgm>
   <titleset>
     <titles>
@@ -230,11 +224,7 @@ std::string AuthoredDisc(const test::TempDir& dir) {
     </titles>
   </titleset>
 </dvdauthor>
-)";
-    return std::vector<std::uint8_t>(xml.begin(), xml.end());
-  }());
-  test::CaptureCommand("cd " + test::ShellQuote(dir.path()) + " && dvdauthor -x disc.xml 2>&1");
-  return dir.file("out");
+)");
 }
 
 TEST(InfoLsdvd, DiscAuthoredByDvdauthorAgreesVerifiesCleanAndReadsTheSameFromItsImage) {
