@@ -28,6 +28,22 @@ std::uint64_t ScrTicks(ByteView pack) {
   return base * 300 + ext;
 }
 
+// The sub-stream id of the private stream 1 packet that starts a pack (behind its system header
+// when it has one), from its MPEG-2 PES header; nothing for a pack of another stream.
+std::optional<std::uint8_t> PrivateStreamOneId(ByteView pack) {
+  std::size_t at = 14;
+  if (pack.be32(at) == 0x1BB) at += 6 + std::size_t{pack.be16(at + 4)};
+  if (pack.be32(at) != 0x1BD) return std::nullopt;
+  return pack.u8(at + 9 + std::size_t{pack.u8(at + 8)});
+}
+
+// The private stream 1 sub-streams of DVD-Video: sub-pictures 0x20-0x3F (32 streams), AC-3
+// 0x80-0x87, DTS 0x88-0x8F, SDDS 0x90-0x97 and LPCM 0xA0-0xA7. The listing's classification
+// names only the first stream number of DTS and SDDS and the first 16 sub-pictures.
+bool IsDvdSubstream(std::uint8_t id) {
+  return (id >= 0x20 && id <= 0x3F) || (id >= 0x80 && id <= 0x97) || (id >= 0xA0 && id <= 0xA7);
+}
+
 std::string Seconds(std::uint32_t ticks) {
   return Format("%d.%03d s", {ticks / 90000, ticks % 90000 / 90});
 }
@@ -114,8 +130,13 @@ class VobSetScanner {
       NavPack(sector, file, record, *nav);
       Buttons(file, record, *nav, pack);
     } else if (type == kSectorIllegal) {
-      out_.AtRecord("vob.pack", file, record,
-                    Format("a pack of no DVD-Video stream (start code %08x)", {pack.be32(14)}));
+      std::optional<std::uint8_t> sub = PrivateStreamOneId(pack);
+      if (sub && IsDvdSubstream(*sub)) {
+        Present(*sub, file, record);
+      } else {
+        out_.AtRecord("vob.pack", file, record,
+                      Format("a pack of no DVD-Video stream (start code %08x)", {pack.be32(14)}));
+      }
     } else if (type != kSectorPadding) {
       Present(stream & 0xFF, file, record);
     }
