@@ -1,5 +1,7 @@
 // One sequential pass over the VOB files of a set. Memory stays constant whatever the size of
 // the set: one read block, the navigation pack before the current one, the streams per cell.
+#include <algorithm>
+#include <iterator>
 #include <memory>
 
 #include "disc/checks.h"
@@ -58,7 +60,11 @@ struct NavSeen {
 class VobSetScanner {
  public:
   VobSetScanner(const Disc& disc, const VobSet& set, const VobSetNames& names, Findings& out)
-      : disc_(disc), set_(set), names_(names), out_(out) {}
+      : disc_(disc), set_(set), names_(names), out_(out) {
+    for (const CellAddress& c : set_.cells) by_sector_.push_back(&c);
+    std::sort(by_sector_.begin(), by_sector_.end(),
+              [](const CellAddress* a, const CellAddress* b) { return a->first < b->first; });
+  }
 
   StreamPresence Run() {
     presence_.scanned = true;
@@ -261,8 +267,8 @@ class VobSetScanner {
                 : Format("previous VOBU %d sectors back, this is the cell's first VOBU", {back}));
       }
     }
+    const CellAddress* a = FindCellAddress(set_, f.vob_id, f.cell_id);
     if (set_.has_cell_table) {
-      const CellAddress* a = FindCellAddress(set_, f.vob_id, f.cell_id);
       if (a == nullptr) {
         out_.AtRecord("nav.cell", file, record,
                       Format("VOB %d cell %d is not in %s", {f.vob_id, f.cell_id, names_.c_adt}));
@@ -273,9 +279,25 @@ class VobSetScanner {
                    {f.vob_id, f.cell_id, names_.c_adt, a->first, a->last, std::to_string(sector)}));
       }
     }
-    cell_ = std::make_pair(f.vob_id, f.cell_id);
+    cell_ = PlayingCell(sector, f, a);
     previous_ = NavSeen{sector, file, record, f};
     Present(0xBF, file, record);
+  }
+
+  // The cell whose streams a VOBU's packs are: the one its navigation pack names when the cell
+  // address table puts that cell at its sector, else the one the table puts there (a damaged
+  // navigation pack must not take its streams away from the chain that plays them).
+  std::pair<std::uint16_t, std::uint8_t> PlayingCell(std::uint64_t sector, const NavPackFields& f,
+                                                     const CellAddress* a) const {
+    std::pair<std::uint16_t, std::uint8_t> named{f.vob_id, f.cell_id};
+    if (by_sector_.empty() || (a != nullptr && sector >= a->first && sector <= a->last)) {
+      return named;
+    }
+    auto it = std::upper_bound(
+        by_sector_.begin(), by_sector_.end(), sector,
+        [](std::uint64_t s, const CellAddress* c) { return s < std::uint64_t{c->first}; });
+    if (it == by_sector_.begin() || sector > (*std::prev(it))->last) return named;
+    return {(*std::prev(it))->vob_id, (*std::prev(it))->cell_id};
   }
 
   const Disc& disc_;
@@ -290,6 +312,7 @@ class VobSetScanner {
   std::uint64_t high_mux_packs_ = 0;
   std::pair<std::uint64_t, std::uint32_t> high_mux_;  // the first such pack: record, rate
   std::set<std::pair<std::pair<std::uint16_t, std::uint8_t>, NavCommand>> seen_buttons_;
+  std::vector<const CellAddress*> by_sector_;  // the cell address table by first sector
 };
 
 }  // namespace

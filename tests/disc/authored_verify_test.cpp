@@ -16,6 +16,31 @@ VerifyResult Verify(const std::string& path) {
   return disc ? VerifyDisc(*disc) : VerifyResult{};
 }
 
+// "check FILE:TABLE#ENTRY" or "check FILE@RECORD" of each finding.
+std::vector<std::string> Places(const VerifyResult& r) {
+  std::vector<std::string> places;
+  for (const Finding& f : r.findings) {
+    std::string p = f.check + " " + f.file;
+    if (f.table) p += ":" + *f.table;
+    if (f.entry) p += "#" + std::to_string(*f.entry);
+    if (f.sector) p += "@" + std::to_string(*f.sector);
+    places.push_back(p);
+  }
+  return places;
+}
+
+// The first record of a VOB holding a pack of private stream 1 sub-stream id, or -1.
+long FirstPackOf(const std::string& vob, std::uint8_t id) {
+  std::vector<std::uint8_t> bytes = test::ReadFileBytes(vob);
+  for (std::size_t r = 0; r + 2048 <= bytes.size(); r += 2048) {
+    if (bytes[r + 14] == 0 && bytes[r + 15] == 0 && bytes[r + 16] == 1 && bytes[r + 17] == 0xBD &&
+        bytes[r + 23 + bytes[r + 22]] == id) {
+      return static_cast<long>(r / 2048);
+    }
+  }
+  return -1;
+}
+
 class AuthoredVerify : public ::testing::Test {
  protected:
   void SetUp() override {
@@ -33,6 +58,24 @@ TEST_F(AuthoredVerify, DtsAfterTheFirstAndSubpicturesAboveFifteenVerifyClean) {
 TEST_F(AuthoredVerify, TwoTitlesAndTwoMenuLanguagesVerifyClean) {
   VerifyResult r = Verify(test::NtscTwoTitleDisc());
   EXPECT_TRUE(r.findings.empty()) << VerifyText(r);
+}
+
+// The navigation pack before title 1's sub-picture names cell 99: its VOBU's packs still
+// belong to the cell the cell address table puts there, so nothing but the pack is wrong.
+TEST_F(AuthoredVerify, NavigationPackOfAnUnknownCellKeepsItsStreamsInTheirCell) {
+  test::TempDir dir;
+  std::string disc = test::CopyDisc(test::NtscTwoTitleDisc(), dir, "nav-cell");
+  std::string vob = disc + "/VIDEO_TS/VTS_01_1.VOB";
+  long subpicture = FirstPackOf(vob, 0x20);
+  ASSERT_GT(subpicture, 0);
+  std::vector<std::uint8_t> bytes = test::ReadFileBytes(vob);
+  long nav = subpicture;
+  while (nav >= 0 && !(bytes[nav * 2048 + 17] == 0xBB && bytes[nav * 2048 + 41] == 0xBF)) --nav;
+  ASSERT_GE(nav, 0);
+  test::Patch(vob, static_cast<std::size_t>(nav) * 2048 + 1031 + 27, {99});  // DSI vobu_c_idn
+  VerifyResult r = Verify(disc);
+  EXPECT_EQ(Places(r), (std::vector<std::string>{"nav.cell VTS_01_1.VOB@" + std::to_string(nav)}))
+      << VerifyText(r);
 }
 
 }  // namespace
