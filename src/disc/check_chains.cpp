@@ -21,6 +21,11 @@ struct ChainScope {
 
 }  // namespace
 
+std::string LanguageUnitPrefix(const std::vector<LanguageUnit>& units, std::size_t u) {
+  if (units.size() <= 1 || u >= units.size()) return {};
+  return Format("language unit %d (%s): ", {u + 1, units[u].language});
+}
+
 std::optional<std::string> CommandTargetProblem(const CommandScope& scope, const Pgc& pgc,
                                                 const NavCommand& b) {
   std::uint8_t group = b[0] >> 4, subtype = b[1] & 0x0F;
@@ -239,9 +244,7 @@ class ChainChecker {
 void CheckUnits(const ChainScope& base, const std::vector<LanguageUnit>& units, Findings& out) {
   for (std::size_t u = 0; u < units.size(); ++u) {
     ChainScope scope = base;
-    if (units.size() > 1) {
-      scope.prefix = Format("language unit %d (%s): ", {u + 1, units[u].language});
-    }
+    scope.prefix = LanguageUnitPrefix(units, u);
     scope.chains_in_block = units[u].pgcs.size();
     for (const Pgc& pgc : units[u].pgcs) ChainChecker(scope, pgc, out).Run();
   }

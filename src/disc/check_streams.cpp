@@ -26,46 +26,52 @@ std::string Language(const std::optional<std::string>& language) {
   return language ? *language : std::string("no language");
 }
 
+// Declared streams against those found in one chain's cells; marks the ids the chain maps to.
+void CheckChainStreams(const DomainChain& chain, const StreamDeclarations& declared,
+                       const StreamPresence& found, const VobSetNames& names,
+                       std::bitset<256>& mapped, Findings& out) {
+  const Pgc& pgc = *chain.pgc;
+  std::bitset<256> present = ChainStreams(pgc, found);
+  auto missing = [&](const std::string& what) {
+    out.AtTable("stream.missing", names.ifo, names.chains, pgc.number,
+                chain.prefix + what + ", which none of the chain's cells holds");
+  };
+  for (std::size_t i = 0; i < declared.audio.size() && i < 8; ++i) {
+    auto n = AudioControlNumber(pgc.audio_control[i]);
+    const AudioAttributes& a = declared.audio[i];
+    auto id = n ? AudioStreamId(a.coding, *n) : std::nullopt;
+    if (!id) continue;
+    mapped.set(*id);
+    if (!present[*id]) {
+      missing(Format("audio stream %d (%s, %s) plays as %s",
+                     {i + 1, a.format, Language(a.language), StreamIdText(*id)}));
+    }
+  }
+  for (std::size_t i = 0; i < declared.subpictures.size() && i < 32; ++i) {
+    SubpictureControl c = DecodeSubpictureControl(pgc.subpicture_control[i]);
+    if (!c.available) continue;
+    std::uint32_t id = 0x20 + (declared.video.wide() ? c.wide : c.standard);
+    mapped.set(id);
+    if (declared.video.wide()) {
+      mapped.set(0x20 + c.letterbox);
+      mapped.set(0x20 + c.pan_scan);
+    }
+    if (!present[id]) {
+      missing(Format("sub-picture stream %d (%s) plays as %s",
+                     {i + 1, Language(declared.subpictures[i].language), StreamIdText(id)}));
+    }
+  }
+}
+
 }  // namespace
 
-void CheckStreams(const Disc&, const std::vector<const Pgc*>& chains,
+void CheckStreams(const Disc&, const std::vector<DomainChain>& chains,
                   const StreamDeclarations& declared, const StreamPresence& found,
                   const VobSetNames& names, Findings& out) {
   if (!found.scanned) return;
   std::bitset<256> mapped;
-  for (const Pgc* pgc : chains) {
-    if (pgc->cells.empty()) continue;
-    std::bitset<256> present = ChainStreams(*pgc, found);
-    for (std::size_t i = 0; i < declared.audio.size() && i < 8; ++i) {
-      auto n = AudioControlNumber(pgc->audio_control[i]);
-      if (!n) continue;
-      const AudioAttributes& a = declared.audio[i];
-      auto id = AudioStreamId(a.coding, *n);
-      if (!id) continue;
-      mapped.set(*id);
-      if (!present[*id]) {
-        out.AtTable("stream.missing", names.ifo, names.chains, pgc->number,
-                    Format("audio stream %d (%s, %s) plays as %s, which none of the chain's "
-                           "cells holds",
-                           {i + 1, a.format, Language(a.language), StreamIdText(*id)}));
-      }
-    }
-    for (std::size_t i = 0; i < declared.subpictures.size() && i < 32; ++i) {
-      SubpictureControl c = DecodeSubpictureControl(pgc->subpicture_control[i]);
-      if (!c.available) continue;
-      std::uint32_t id = 0x20 + (declared.video.wide() ? c.wide : c.standard);
-      mapped.set(id);
-      if (declared.video.wide()) {
-        mapped.set(0x20 + c.letterbox);
-        mapped.set(0x20 + c.pan_scan);
-      }
-      if (!present[id]) {
-        out.AtTable("stream.missing", names.ifo, names.chains, pgc->number,
-                    Format("sub-picture stream %d (%s) plays as %s, which none of the chain's "
-                           "cells holds",
-                           {i + 1, Language(declared.subpictures[i].language), StreamIdText(id)}));
-      }
-    }
+  for (const DomainChain& chain : chains) {
+    if (!chain.pgc->cells.empty()) CheckChainStreams(chain, declared, found, names, mapped, out);
   }
   int videos = 0;
   for (std::uint32_t id = 0; id < 256; ++id) {

@@ -26,6 +26,18 @@ struct VobSetNames {
   std::set<std::pair<std::uint16_t, std::uint8_t>> interleaved;
 };
 
+// How a finding names the language unit u of a menu table: "language unit 2 (fr): ", or
+// nothing when the table has one unit only.
+std::string LanguageUnitPrefix(const std::vector<LanguageUnit>& units, std::size_t u);
+
+// A program chain of a VOB set's domain: the chains its links can name (its table or
+// language unit) and the prefix of its findings.
+struct DomainChain {
+  const Pgc* pgc;
+  std::size_t chains_in_block;
+  std::string prefix;
+};
+
 // What a navigation command of a chain can reach.
 struct CommandScope {
   const Disc& disc;
@@ -74,7 +86,7 @@ void CheckChains(const Disc& disc, Findings& out);
 StreamPresence ScanVobSet(const Disc& disc, const VobSet& set, const VobSetNames& names,
                           Findings& out);
 // Declared streams against those found.
-void CheckStreams(const Disc& disc, const std::vector<const Pgc*>& chains,
+void CheckStreams(const Disc& disc, const std::vector<DomainChain>& chains,
                   const StreamDeclarations& declared, const StreamPresence& found,
                   const VobSetNames& names, Findings& out);
 

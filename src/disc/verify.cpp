@@ -22,36 +22,32 @@ void CheckStreamCounts(const std::string& file, const char* table, const StreamD
 }
 
 std::set<std::pair<std::uint16_t, std::uint8_t>> InterleavedCells(
-    const std::vector<const Pgc*>& chains) {
+    const std::vector<DomainChain>& chains) {
   std::set<std::pair<std::uint16_t, std::uint8_t>> cells;
-  for (const Pgc* pgc : chains) {
-    for (const Cell& c : pgc->cells) {
+  for (const DomainChain& chain : chains) {
+    for (const Cell& c : chain.pgc->cells) {
       if (c.block_type() != 0 || c.interleaved()) cells.insert({c.vob_id, c.cell_id});
     }
   }
   return cells;
 }
 
-// A chain of a VOB set's domain with the number of chains its links can name.
-struct ChainRef {
-  const Pgc* pgc;
-  std::size_t chains_in_block;
-};
-
-std::vector<ChainRef> MenuChains(const std::vector<LanguageUnit>& units) {
-  std::vector<ChainRef> chains;
-  for (const LanguageUnit& unit : units) {
-    for (const Pgc& pgc : unit.pgcs) chains.push_back({&pgc, unit.pgcs.size()});
+std::vector<DomainChain> MenuChains(const std::vector<LanguageUnit>& units) {
+  std::vector<DomainChain> chains;
+  for (std::size_t u = 0; u < units.size(); ++u) {
+    for (const Pgc& pgc : units[u].pgcs) {
+      chains.push_back({&pgc, units[u].pgcs.size(), LanguageUnitPrefix(units, u)});
+    }
   }
   return chains;
 }
 
 // Button commands against what their chain's domain holds: one finding per distinct command
 // of a cell, at the record where it was first seen.
-void CheckButtons(const Disc& disc, const std::vector<ChainRef>& chains, const TitleSet* ts,
+void CheckButtons(const Disc& disc, const std::vector<DomainChain>& chains, const TitleSet* ts,
                   const StreamPresence& found, Findings& out) {
   for (const ButtonCommand& button : found.buttons) {
-    for (const ChainRef& chain : chains) {
+    for (const DomainChain& chain : chains) {
       bool plays = false;
       for (const Cell& c : chain.pgc->cells)
         plays = plays || (c.vob_id == button.cell.first && c.cell_id == button.cell.second);
@@ -68,15 +64,13 @@ void CheckButtons(const Disc& disc, const std::vector<ChainRef>& chains, const T
 }
 
 void ScanSet(const Disc& disc, const VobSet& set, VobSetNames names,
-             const std::vector<ChainRef>& chains, const TitleSet* ts,
+             const std::vector<DomainChain>& chains, const TitleSet* ts,
              const StreamDeclarations& declared, Findings& out) {
   if (set.parts.empty()) return;
-  std::vector<const Pgc*> pgcs;
-  for (const ChainRef& chain : chains) pgcs.push_back(chain.pgc);
-  names.interleaved = InterleavedCells(pgcs);
+  names.interleaved = InterleavedCells(chains);
   StreamPresence found = ScanVobSet(disc, set, names, out);
   CheckButtons(disc, chains, ts, found, out);
-  CheckStreams(disc, pgcs, declared, found, names, out);
+  CheckStreams(disc, chains, declared, found, names, out);
 }
 
 }  // namespace
@@ -95,10 +89,10 @@ VerifyResult VerifyDisc(const Disc& disc, const VerifyOptions& options) {
   CheckAddressTables(disc, out);
   CheckChains(disc, out);
   if (!options.ifo_only) {
-    std::vector<ChainRef> vmgm = MenuChains(disc.vmg.menus);
+    std::vector<DomainChain> vmgm = MenuChains(disc.vmg.menus);
     if (disc.vmg.first_play) {
-      vmgm.push_back(
-          {&*disc.vmg.first_play, disc.vmg.menus.empty() ? 0 : disc.vmg.menus.front().pgcs.size()});
+      vmgm.push_back({&*disc.vmg.first_play,
+                      disc.vmg.menus.empty() ? 0 : disc.vmg.menus.front().pgcs.size(), ""});
     }
     ScanSet(disc, disc.vmg.menu_vobs,
             {"VIDEO_TS.IFO", "VMGM_C_ADT", "VMGM_VOBU_ADMAP", "VMGM_PGCI_UT", {}}, vmgm, nullptr,
@@ -108,8 +102,8 @@ VerifyResult VerifyDisc(const Disc& disc, const VerifyOptions& options) {
       ScanSet(disc, ts.menu_vobs,
               {ts.ifo_name, "VTSM_C_ADT", "VTSM_VOBU_ADMAP", "VTSM_PGCI_UT", {}},
               MenuChains(ts.menus), &ts, ts.menu, out);
-      std::vector<ChainRef> titles;
-      for (const Pgc& pgc : ts.pgcs) titles.push_back({&pgc, ts.pgcs.size()});
+      std::vector<DomainChain> titles;
+      for (const Pgc& pgc : ts.pgcs) titles.push_back({&pgc, ts.pgcs.size(), ""});
       ScanSet(disc, ts.title_vobs, {ts.ifo_name, "VTS_C_ADT", "VTS_VOBU_ADMAP", "VTS_PGCIT", {}},
               titles, &ts, ts.title, out);
     }

@@ -60,6 +60,40 @@ TEST_F(AuthoredVerify, TwoTitlesAndTwoMenuLanguagesVerifyClean) {
   EXPECT_TRUE(r.findings.empty()) << VerifyText(r);
 }
 
+// The byte offset of program chain k (from 1) of language unit u (from 1) of the video
+// manager's menu table, read through VMGM_PGCI_UT's pointers.
+std::size_t MenuChainOffset(const std::vector<std::uint8_t>& ifo, std::size_t u, std::size_t k) {
+  auto be32 = [&](std::size_t at) {
+    return (std::size_t{ifo.at(at)} << 24) | (std::size_t{ifo.at(at + 1)} << 16) |
+           (std::size_t{ifo.at(at + 2)} << 8) | ifo.at(at + 3);
+  };
+  std::size_t table = be32(0xC8) * 2048;               // VMGM_PGCI_UT sector
+  std::size_t unit = table + be32(table + 8 * u + 4);  // language unit pointer u
+  return unit + be32(unit + 8 * k + 4);                // chain pointer k
+}
+
+void PatchIfo(const std::string& disc, const std::string& ifo, std::size_t offset,
+              const std::vector<std::uint8_t>& bytes) {
+  for (const char* extension : {"IFO", "BUP"}) {
+    test::Patch(disc + "/VIDEO_TS/" + ifo.substr(0, 9) + extension, offset, bytes);
+  }
+}
+
+// Menu chain 1 of language unit 2 makes its audio play as 0xC3: the finding names the unit.
+TEST_F(AuthoredVerify, MenuStreamFindingsNameTheLanguageUnit) {
+  test::TempDir dir;
+  std::string disc = test::CopyDisc(test::NtscTwoTitleDisc(), dir, "menu-audio");
+  auto ifo = test::ReadFileBytes(disc + "/VIDEO_TS/VIDEO_TS.IFO");
+  PatchIfo(disc, "VIDEO_TS.IFO", MenuChainOffset(ifo, 2, 1) + 0x0C, {0x83, 0x00});
+  VerifyResult r = Verify(disc);
+  EXPECT_EQ(Places(r), (std::vector<std::string>{"stream.missing VIDEO_TS.IFO:VMGM_PGCI_UT#1"}))
+      << VerifyText(r);
+  ASSERT_EQ(r.findings.size(), 1u);
+  EXPECT_EQ(r.findings[0].message,
+            "language unit 2 (fr): audio stream 1 (mpeg1, no language) plays as 0xc3, which none "
+            "of the chain's cells holds");
+}
+
 // The navigation pack before title 1's sub-picture names cell 99: its VOBU's packs still
 // belong to the cell the cell address table puts there, so nothing but the pack is wrong.
 TEST_F(AuthoredVerify, NavigationPackOfAnUnknownCellKeepsItsStreamsInTheirCell) {
