@@ -6,11 +6,15 @@ namespace tarvex {
 
 namespace {
 
-std::bitset<256> ChainStreams(const Pgc& pgc, const StreamPresence& found) {
+// The streams found in the cells a chain plays, or nothing when one of its cells is in none
+// of the navigation packs (a cell position finding says so already: which streams it holds
+// is unknown).
+std::optional<std::bitset<256>> ChainStreams(const Pgc& pgc, const StreamPresence& found) {
   std::bitset<256> streams;
   for (const Cell& c : pgc.cells) {
     auto it = found.cells.find({c.vob_id, c.cell_id});
-    if (it != found.cells.end()) streams |= it->second;
+    if (it == found.cells.end()) return std::nullopt;
+    streams |= it->second;
   }
   return streams;
 }
@@ -31,7 +35,7 @@ void CheckChainStreams(const DomainChain& chain, const StreamDeclarations& decla
                        const StreamPresence& found, const VobSetNames& names,
                        std::bitset<256>& mapped, Findings& out) {
   const Pgc& pgc = *chain.pgc;
-  std::bitset<256> present = ChainStreams(pgc, found);
+  std::optional<std::bitset<256>> present = ChainStreams(pgc, found);
   auto missing = [&](const std::string& what) {
     out.AtTable("stream.missing", names.ifo, names.chains, pgc.number,
                 chain.prefix + what + ", which none of the chain's cells holds");
@@ -42,7 +46,7 @@ void CheckChainStreams(const DomainChain& chain, const StreamDeclarations& decla
     auto id = n ? AudioStreamId(a.coding, *n) : std::nullopt;
     if (!id) continue;
     mapped.set(*id);
-    if (!present[*id]) {
+    if (present && !(*present)[*id]) {
       missing(Format("audio stream %d (%s, %s) plays as %s",
                      {i + 1, a.format, Language(a.language), StreamIdText(*id)}));
     }
@@ -56,7 +60,7 @@ void CheckChainStreams(const DomainChain& chain, const StreamDeclarations& decla
       mapped.set(0x20 + c.letterbox);
       mapped.set(0x20 + c.pan_scan);
     }
-    if (!present[id]) {
+    if (present && !(*present)[id]) {
       missing(Format("sub-picture stream %d (%s) plays as %s",
                      {i + 1, Language(declared.subpictures[i].language), StreamIdText(id)}));
     }

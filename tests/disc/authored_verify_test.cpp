@@ -94,6 +94,20 @@ TEST_F(AuthoredVerify, MenuStreamFindingsNameTheLanguageUnit) {
             "of the chain's cells holds");
 }
 
+// A chain whose cell is in no cell address entry: which streams the cell holds is unknown,
+// the cell position finding alone says what is wrong.
+TEST_F(AuthoredVerify, ChainWithAnUnknownCellHasNoStreamFindings) {
+  test::TempDir dir;
+  std::string disc = test::CopyDisc(test::NtscTwoTitleDisc(), dir, "menu-cell");
+  auto ifo = test::ReadFileBytes(disc + "/VIDEO_TS/VIDEO_TS.IFO");
+  std::size_t pgc = MenuChainOffset(ifo, 1, 1);
+  std::size_t positions = pgc + ((std::size_t{ifo.at(pgc + 0xEA)} << 8) | ifo.at(pgc + 0xEB));
+  PatchIfo(disc, "VIDEO_TS.IFO", positions + 3, {9});  // cell 1: cell id 9
+  VerifyResult r = Verify(disc);
+  EXPECT_EQ(Places(r), (std::vector<std::string>{"pgc.cell-position VIDEO_TS.IFO:VMGM_PGCI_UT#1"}))
+      << VerifyText(r);
+}
+
 // The navigation pack before title 1's sub-picture names cell 99: its VOBU's packs still
 // belong to the cell the cell address table puts there, so nothing but the pack is wrong.
 TEST_F(AuthoredVerify, NavigationPackOfAnUnknownCellKeepsItsStreamsInTheirCell) {
