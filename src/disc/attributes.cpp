@@ -172,6 +172,18 @@ SubpictureControl DecodeSubpictureControl(std::uint32_t control) {
   return c;
 }
 
+std::vector<SubpictureStream> SubpictureStreamIds(const VideoAttributes& video,
+                                                  const SubpictureControl& c) {
+  if (!c.available) return {};
+  if (!video.wide()) return {{"4:3", 0x20 + c.standard}};
+  std::vector<SubpictureStream> ids = {{"wide", 0x20 + c.wide}};
+  // Permitted display formats of a 16:9 picture: 0 both, 1 pan-scan only, 2 letterbox only.
+  std::uint8_t permitted = video.permitted_display;
+  if (permitted == 0 || permitted == 2) ids.push_back({"letterbox", 0x20 + c.letterbox});
+  if (permitted == 0 || permitted == 1) ids.push_back({"pan-scan", 0x20 + c.pan_scan});
+  return ids;
+}
+
 std::string StreamIdText(std::uint32_t id) {
   char buf[8];
   std::snprintf(buf, sizeof buf, "0x%02x", id & 0xFF);

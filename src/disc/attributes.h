@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "platform/bytes.h"
 
@@ -76,6 +77,18 @@ struct SubpictureControl {
   std::uint32_t pan_scan = 0;   // bits 4-0
 };
 SubpictureControl DecodeSubpictureControl(std::uint32_t control);
+
+// A stream id a declared sub-picture stream plays through, and the display it serves: "4:3"
+// for a 4:3 picture; "wide", "letterbox" or "pan-scan" for a 16:9 one.
+struct SubpictureStream {
+  const char* display;
+  std::uint32_t id;
+};
+// The ids of an available stream: the 4:3 one for a 4:3 picture; for a 16:9 picture the
+// wide-screen one, then the letterbox and pan-scan ones its permitted display formats allow
+// (the numbers of the other formats mean nothing and are often 0).
+std::vector<SubpictureStream> SubpictureStreamIds(const VideoAttributes& video,
+                                                  const SubpictureControl& control);
 
 // "xx" hex of one byte, "0x%02x".
 std::string StreamIdText(std::uint32_t id);

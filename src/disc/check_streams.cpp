@@ -53,16 +53,12 @@ void CheckChainStreams(const DomainChain& chain, const StreamDeclarations& decla
   }
   for (std::size_t i = 0; i < declared.subpictures.size() && i < 32; ++i) {
     SubpictureControl c = DecodeSubpictureControl(pgc.subpicture_control[i]);
-    if (!c.available) continue;
-    std::uint32_t id = 0x20 + (declared.video.wide() ? c.wide : c.standard);
-    mapped.set(id);
-    if (declared.video.wide()) {
-      mapped.set(0x20 + c.letterbox);
-      mapped.set(0x20 + c.pan_scan);
-    }
-    if (present && !(*present)[id]) {
-      missing(Format("sub-picture stream %d (%s) plays as %s",
-                     {i + 1, Language(declared.subpictures[i].language), StreamIdText(id)}));
+    for (const SubpictureStream& s : SubpictureStreamIds(declared.video, c)) {
+      mapped.set(s.id);
+      if (!present || (*present)[s.id]) continue;
+      std::string what = Language(declared.subpictures[i].language);
+      if (declared.video.wide()) what += std::string(", ") + s.display;
+      missing(Format("sub-picture stream %d (%s) plays as %s", {i + 1, what, StreamIdText(s.id)}));
     }
   }
 }

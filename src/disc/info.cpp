@@ -166,6 +166,8 @@ void WriteAudio(JsonWriter& j, const StreamDeclarations& s, const Pgc* pgc) {
 }
 
 void WriteSubpictures(JsonWriter& j, const StreamDeclarations& s, const Pgc* pgc) {
+  static constexpr std::pair<std::string_view, std::string_view> kKeys[] = {
+      {"wide", "wide_id"}, {"letterbox", "letterbox_id"}, {"pan-scan", "pan_scan_id"}};
   j.Key("subpictures").BeginArray();
   for (std::size_t i = 0; i < s.subpictures.size(); ++i) {
     const SubpictureAttributes& sp = s.subpictures[i];
@@ -175,10 +177,10 @@ void WriteSubpictures(JsonWriter& j, const StreamDeclarations& s, const Pgc* pgc
     j.MemberUint("code_extension", sp.code_extension);
     if (pgc != nullptr && s.video.wide()) {
       SubpictureControl c = DecodeSubpictureControl(pgc->subpicture_control[i]);
-      if (c.available) {
-        j.Member("wide_id", StreamIdText(0x20 + c.wide));
-        j.Member("letterbox_id", StreamIdText(0x20 + c.letterbox));
-        j.Member("pan_scan_id", StreamIdText(0x20 + c.pan_scan));
+      for (const SubpictureStream& stream : SubpictureStreamIds(s.video, c)) {
+        for (const auto& [display, key] : kKeys) {
+          if (display == stream.display) j.Member(key, StreamIdText(stream.id));
+        }
       }
     }
     j.EndObject();

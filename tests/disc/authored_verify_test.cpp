@@ -55,6 +55,26 @@ TEST_F(AuthoredVerify, DtsAfterTheFirstAndSubpicturesAboveFifteenVerifyClean) {
   EXPECT_TRUE(r.findings.empty()) << VerifyText(r);
 }
 
+// A 16:9 title that permits letterbox but not pan-scan: its control's pan-scan number (0)
+// names no stream. With the wide-screen packs (0x24) renumbered 0x20, 0x20 is undeclared and
+// the wide-screen stream missing.
+TEST_F(AuthoredVerify, SubpictureNumbersOfDisplaysNotPermittedMapNoStream) {
+  test::TempDir dir;
+  std::string disc = test::CopyDisc(test::WidePalDisc(), dir, "renumbered");
+  std::string vob = disc + "/VIDEO_TS/VTS_01_1.VOB";
+  long first = FirstPackOf(vob, 0x24);
+  ASSERT_GE(first, 0);
+  ASSERT_GT(test::RenumberStreams(vob, {{0x24, 0x20}}), 0u);
+  VerifyResult r = Verify(disc);
+  EXPECT_EQ(Places(r),
+            (std::vector<std::string>{"stream.missing VTS_01_0.IFO:VTS_PGCIT#1",
+                                      "stream.undeclared VTS_01_1.VOB@" + std::to_string(first)}))
+      << VerifyText(r);
+  ASSERT_FALSE(r.findings.empty());
+  EXPECT_EQ(r.findings[0].message,
+            "sub-picture stream 1 (en, wide) plays as 0x24, which none of the chain's cells holds");
+}
+
 TEST_F(AuthoredVerify, TwoTitlesAndTwoMenuLanguagesVerifyClean) {
   VerifyResult r = Verify(test::NtscTwoTitleDisc());
   EXPECT_TRUE(r.findings.empty()) << VerifyText(r);

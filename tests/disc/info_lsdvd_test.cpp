@@ -252,5 +252,23 @@ TEST(InfoLsdvd, DiscAuthoredByDvdauthorAgreesVerifiesCleanAndReadsTheSameFromIts
   EXPECT_EQ(from_iso, j);
 }
 
+// DTS stream 1 and a 16:9 sub-picture stream with a letterbox form; the title permits no
+// pan-scan, so no pan-scan id is given.
+TEST(InfoLsdvd, WideDiscWithDtsAndLetterboxSubpictures) {
+  ASSERT_TRUE(test::HaveAuthoringTools() && HaveLsdvd()) << "tools/install-deps.sh test";
+  std::string disc = test::WidePalDisc();
+  json t = Info(disc)["titles"][0];
+  ASSERT_EQ(t["audio"].size(), 2u);
+  EXPECT_EQ(t["audio"][1]["format"], "dts");
+  EXPECT_EQ(t["audio"][1]["stream_id"], "0x89");
+  ASSERT_EQ(t["subpictures"].size(), 1u);
+  EXPECT_EQ(t["subpictures"][0]["stream_id"], "0x24");
+  EXPECT_EQ(t["subpictures"][0]["wide_id"], "0x24");
+  EXPECT_EQ(t["subpictures"][0]["letterbox_id"], "0x31");
+  EXPECT_FALSE(t["subpictures"][0].contains("pan_scan_id"));
+  EXPECT_EQ(t["video"]["display_format"], "letterbox");
+  CompareWithLsdvd(disc, false);  // lsdvd guesses the sub-picture's id from its position: 0x20
+}
+
 }  // namespace
 }  // namespace tarvex
