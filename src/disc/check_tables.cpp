@@ -13,6 +13,13 @@ std::uint64_t Sectors(std::uint64_t bytes) {
   return (bytes + 2047) / 2048;
 }
 
+// What an information table's end address should be for an IFO of that many sectors.
+std::string IfoSectorsText(std::uint64_t ifo_sectors) {
+  if (ifo_sectors == 0) return "the IFO is empty";
+  return Format("the IFO has %s sectors (expected %s)",
+                {std::to_string(ifo_sectors), std::to_string(ifo_sectors - 1)});
+}
+
 // A table's place against the information part and the other tables.
 void CheckTablePlaces(const std::string& file, const std::vector<TableLocation>& tables,
                       std::uint64_t info_sectors, std::uint64_t file_bytes,
@@ -57,15 +64,14 @@ void CheckVideoManagerAddresses(const Disc& disc, Findings& out) {
   std::uint64_t ifo_sectors = Sectors(vmg.ifo_size);
   std::uint64_t menu = vmg.menu_vobs.sectors;
   if (std::uint64_t{vmg.vmgi_ea} + 1 != ifo_sectors) {
-    out.AtTable(
-        "ifo.end-address", file, "VMGI_MAT", 0,
-        Format("VMGI_EA %d, but the IFO has %s sectors (expected %s)",
-               {vmg.vmgi_ea, std::to_string(ifo_sectors), std::to_string(ifo_sectors - 1)}));
+    out.AtTable("ifo.end-address", file, "VMGI_MAT", 0,
+                "VMGI_EA " + std::to_string(vmg.vmgi_ea) + ", but " + IfoSectorsText(ifo_sectors));
   }
   // The video manager may end later than its files (authoring tools leave room that the
   // mastering fills), never earlier.
-  std::uint64_t expected_ea = 2 * ifo_sectors + menu - 1;
-  if (vmg.vmg_ea < expected_ea) {
+  std::uint64_t sectors = 2 * ifo_sectors + menu;
+  std::uint64_t expected_ea = sectors - 1;
+  if (sectors > 0 && vmg.vmg_ea < expected_ea) {
     out.AtTable("ifo.end-address", file, "VMGI_MAT", 0,
                 Format("VMG_EA %d, but IFO, menu VOB and BUP need sectors 0 to %s",
                        {vmg.vmg_ea, std::to_string(expected_ea)}));
@@ -87,11 +93,11 @@ void CheckTitleSetAddresses(const TitleSet& ts, Findings& out) {
   std::uint64_t menu = ts.menu_vobs.sectors, titles = ts.title_vobs.sectors;
   if (std::uint64_t{ts.vtsi_ea} + 1 != ifo_sectors) {
     out.AtTable("ifo.end-address", ts.ifo_name, "VTSI_MAT", 0,
-                Format("VTSI_EA %d, but the IFO has %s sectors (expected %s)",
-                       {ts.vtsi_ea, std::to_string(ifo_sectors), std::to_string(ifo_sectors - 1)}));
+                "VTSI_EA " + std::to_string(ts.vtsi_ea) + ", but " + IfoSectorsText(ifo_sectors));
   }
-  std::uint64_t expected_ea = 2 * ifo_sectors + menu + titles - 1;
-  if (ts.vts_ea < expected_ea) {
+  std::uint64_t sectors = 2 * ifo_sectors + menu + titles;
+  std::uint64_t expected_ea = sectors - 1;
+  if (sectors > 0 && ts.vts_ea < expected_ea) {
     out.AtTable("ifo.end-address", ts.ifo_name, "VTSI_MAT", 0,
                 Format("VTS_EA %d, but IFO, VOBs and BUP need sectors 0 to %s",
                        {ts.vts_ea, std::to_string(expected_ea)}));

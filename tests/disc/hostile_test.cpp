@@ -85,5 +85,24 @@ TEST(Hostile, EmptyAndMissingFiles) {
   EXPECT_EQ(error, "no VIDEO_TS.IFO");
 }
 
+// An empty VIDEO_TS.IFO has no sectors: its end address is said to be wrong against an empty
+// file, not against sector -1.
+TEST(Hostile, EmptyVideoManagerIfo) {
+  test::TempDir dir;
+  std::string disc = test::CopySample(dir, "empty-vmg");
+  test::WriteFileBytes(disc + "/VIDEO_TS/VIDEO_TS.IFO", {});
+  VerifyResult r = VerifyPath(disc);
+  std::vector<std::string> end_addresses;
+  for (const Finding& f : r.findings) {
+    if (f.check == "ifo.end-address" && f.file == "VIDEO_TS.IFO")
+      end_addresses.push_back(f.message);
+  }
+  // The menu VOB's 28 sectors still need sectors 0 to 27 (its start, 0, is right).
+  EXPECT_EQ(end_addresses,
+            (std::vector<std::string>{"VMGI_EA 0, but the IFO is empty",
+                                      "VMG_EA 0, but IFO, menu VOB and BUP need sectors 0 to 27"}))
+      << VerifyText(r);
+}
+
 }  // namespace
 }  // namespace tarvex
