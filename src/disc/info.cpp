@@ -149,9 +149,19 @@ void WriteStreamId(JsonWriter& j, std::optional<std::uint32_t> id) {
   }
 }
 
+// Whether a title or menu lists declared stream i: the streams its chain makes available, or
+// every declared stream when the chain cannot be read.
+bool ListsAudio(const Pgc* pgc, std::size_t i) {
+  return pgc == nullptr || AudioControlNumber(pgc->audio_control[i]).has_value();
+}
+bool ListsSubpicture(const Pgc* pgc, std::size_t i) {
+  return pgc == nullptr || DecodeSubpictureControl(pgc->subpicture_control[i]).available;
+}
+
 void WriteAudio(JsonWriter& j, const StreamDeclarations& s, const Pgc* pgc) {
   j.Key("audio").BeginArray();
   for (std::size_t i = 0; i < s.audio.size(); ++i) {
+    if (!ListsAudio(pgc, i)) continue;
     const AudioAttributes& a = s.audio[i];
     j.BeginObject().MemberUint("number", i + 1);
     WriteStreamId(j, AudioId(a, pgc, i));
@@ -170,6 +180,7 @@ void WriteSubpictures(JsonWriter& j, const StreamDeclarations& s, const Pgc* pgc
       {"wide", "wide_id"}, {"letterbox", "letterbox_id"}, {"pan-scan", "pan_scan_id"}};
   j.Key("subpictures").BeginArray();
   for (std::size_t i = 0; i < s.subpictures.size(); ++i) {
+    if (!ListsSubpicture(pgc, i)) continue;
     const SubpictureAttributes& sp = s.subpictures[i];
     j.BeginObject().MemberUint("number", i + 1);
     WriteStreamId(j, SubpictureId(s.video, pgc, i));
@@ -302,12 +313,14 @@ void TitleText(std::string& out, const Disc& disc, const TitleEntry& t) {
                 {s.video.standard, s.video.width, s.video.height, s.video.aspect,
                  s.video.frame_rate == 25.0 ? "25" : "29.97"});
   for (std::size_t i = 0; i < s.audio.size(); ++i) {
+    if (!ListsAudio(view.pgc, i)) continue;
     const AudioAttributes& a = s.audio[i];
     out += Format("  Audio %d: %s %s, %d Hz, %d channels, %s\n",
                   {i + 1, Language(a.language), a.format, a.frequency, a.channels,
                    IdText(AudioId(a, view.pgc, i))});
   }
   for (std::size_t i = 0; i < s.subpictures.size(); ++i) {
+    if (!ListsSubpicture(view.pgc, i)) continue;
     out += Format("  Subpicture %d: %s, %s\n", {i + 1, Language(s.subpictures[i].language),
                                                 IdText(SubpictureId(s.video, view.pgc, i))});
   }

@@ -252,6 +252,37 @@ TEST(InfoLsdvd, DiscAuthoredByDvdauthorAgreesVerifiesCleanAndReadsTheSameFromIts
   EXPECT_EQ(from_iso, j);
 }
 
+// Title 2's chain makes no sub-picture stream available (its VOB has none): like lsdvd, info
+// lists none for it.
+TEST(InfoLsdvd, StreamsTheChainDoesNotMakeAvailableAreNotListed) {
+  ASSERT_TRUE(test::HaveAuthoringTools() && HaveLsdvd()) << "tools/install-deps.sh test";
+  json j = Info(test::NtscTwoTitleDisc());
+  ASSERT_EQ(j["titles"].size(), 2u);
+  ASSERT_EQ(j["titles"][0]["subpictures"].size(), 1u);
+  EXPECT_EQ(j["titles"][0]["subpictures"][0]["stream_id"], "0x20");
+  EXPECT_EQ(j["titles"][1]["subpictures"].size(), 0u);
+  EXPECT_EQ(j["titles"][1]["audio"].size(), 1u);
+}
+
+// The sample's chain with audio stream 2 made unavailable: streams 1 and 3 keep their
+// declared numbers and ids (lsdvd numbers the two it lists 1 and 2).
+TEST(InfoLsdvd, ListedStreamsKeepTheirDeclaredNumbers) {
+  test::TempDir dir;
+  std::string disc = test::CopySample(dir, "audio-2-off");
+  // VTS_PGCIT at sector 2, its chain 16 bytes in, audio control 2 at 0x0E of the chain.
+  for (const char* ifo : {"VTS_01_0.IFO", "VTS_01_0.BUP"}) {
+    test::Patch(disc + "/VIDEO_TS/" + ifo, 2 * 2048 + 16 + 0x0E, {0x00, 0x00});
+  }
+  json audio = Info(disc)["titles"][0]["audio"];
+  ASSERT_EQ(audio.size(), 2u);
+  EXPECT_EQ(audio[0]["number"], 1);
+  EXPECT_EQ(audio[0]["stream_id"], "0x80");
+  EXPECT_EQ(audio[1]["number"], 3);
+  EXPECT_EQ(audio[1]["stream_id"], "0xc2");
+  ASSERT_TRUE(HaveLsdvd()) << "lsdvd missing (tools/install-deps.sh test)";
+  EXPECT_EQ(RunLsdvd(disc).at(0).audio.size(), 2u);
+}
+
 // DTS stream 1 and a 16:9 sub-picture stream with a letterbox form; the title permits no
 // pan-scan, so no pan-scan id is given.
 TEST(InfoLsdvd, WideDiscWithDtsAndLetterboxSubpictures) {
