@@ -25,36 +25,62 @@ std::string PaletteEntry(std::uint32_t colour) {
   return buf;
 }
 
-// A chapter: its part of title, the chain and the cells from the program's entry cell up to
-// the next program's.
-struct Chapter {
+// A span of a chain's cells: a chapter (a part of title) or a program.
+struct CellSpan {
   std::uint32_t number = 0;
   const Pgc* pgc = nullptr;
   std::uint32_t first_cell = 0, end_cell = 0;  // cells first_cell .. end_cell - 1 (1-based)
   std::uint64_t ms = 0;
 };
 
-std::vector<Chapter> Chapters(const TitleView& view) {
-  std::vector<Chapter> chapters;
+void AddCellTimes(CellSpan& span) {
+  for (std::uint32_t k = span.first_cell; k < span.end_cell && k <= span.pgc->cells.size(); ++k) {
+    if (k >= 1) span.ms += span.pgc->cells[k - 1].time.Milliseconds();
+  }
+}
+
+// The chapters: each part of title from its program's entry cell up to the entry cell of the
+// next part in the same chain, or to the chain's end (a program that starts no part, a cell
+// marked as a program but not as a chapter, belongs to the chapter before it).
+std::vector<CellSpan> Chapters(const TitleView& view) {
+  std::vector<CellSpan> chapters;
   if (view.parts == nullptr) return chapters;
   for (std::size_t i = 0; i < view.parts->size(); ++i) {
     const PartOfTitle& part = (*view.parts)[i];
-    Chapter c;
+    CellSpan& c = chapters.emplace_back();
     c.number = static_cast<std::uint32_t>(i + 1);
-    if (part.pgcn >= 1 && part.pgcn <= view.title_set->pgcs.size()) {
-      c.pgc = &view.title_set->pgcs[part.pgcn - 1];
-      const auto& map = c.pgc->program_map;
-      if (part.pgn >= 1 && part.pgn <= map.size()) {
-        c.first_cell = map[part.pgn - 1];
-        c.end_cell = part.pgn < map.size() ? map[part.pgn] : c.pgc->cells.size() + 1;
-        for (std::uint32_t k = c.first_cell; k < c.end_cell && k <= c.pgc->cells.size(); ++k) {
-          if (k >= 1) c.ms += c.pgc->cells[k - 1].time.Milliseconds();
-        }
+    if (part.pgcn < 1 || part.pgcn > view.title_set->pgcs.size()) continue;
+    c.pgc = &view.title_set->pgcs[part.pgcn - 1];
+    const auto& map = c.pgc->program_map;
+    if (part.pgn >= 1 && part.pgn <= map.size()) c.first_cell = map[part.pgn - 1];
+  }
+  for (CellSpan& c : chapters) {
+    if (c.first_cell == 0) continue;
+    c.end_cell = static_cast<std::uint32_t>(c.pgc->cells.size() + 1);
+    for (const CellSpan& other : chapters) {
+      if (other.pgc == c.pgc && other.first_cell > c.first_cell) {
+        c.end_cell = std::min(c.end_cell, other.first_cell);
       }
     }
-    chapters.push_back(c);
+    AddCellTimes(c);
   }
   return chapters;
+}
+
+// The programs of a chain, each from its entry cell up to the next one's.
+std::vector<CellSpan> Programs(const Pgc& pgc) {
+  std::vector<CellSpan> programs;
+  const auto& map = pgc.program_map;
+  for (std::size_t p = 0; p < map.size(); ++p) {
+    CellSpan& span = programs.emplace_back();
+    span.number = static_cast<std::uint32_t>(p + 1);
+    span.pgc = &pgc;
+    span.first_cell = map[p];
+    span.end_cell =
+        p + 1 < map.size() ? map[p + 1] : static_cast<std::uint32_t>(pgc.cells.size() + 1);
+    AddCellTimes(span);
+  }
+  return programs;
 }
 
 // The chains of a title in the order its parts first name them.
@@ -199,6 +225,19 @@ void WriteSubpictures(JsonWriter& j, const StreamDeclarations& s, const Pgc* pgc
   j.EndArray();
 }
 
+void WriteSpans(JsonWriter& j, std::string_view key, const std::vector<CellSpan>& spans,
+                bool with_chain) {
+  j.Key(key).BeginArray();
+  for (const CellSpan& c : spans) {
+    j.BeginObject().MemberUint("number", c.number);
+    j.Key("length").Decimal(Seconds(c.ms), 3);
+    j.MemberUint("first_cell", c.first_cell);
+    if (c.pgc && with_chain) j.MemberUint("pgc", c.pgc->number);
+    j.EndObject();
+  }
+  j.EndArray();
+}
+
 void WriteCells(JsonWriter& j, const std::vector<const Pgc*>& chains, bool with_chain) {
   j.Key("cells").BeginArray();
   for (const Pgc* pgc : chains) {
@@ -239,15 +278,12 @@ void WriteTitle(JsonWriter& j, const Disc& disc, const TitleEntry& t) {
   WriteVideo(j, streams.video);
   WriteAudio(j, streams, view.pgc);
   WriteSubpictures(j, streams, view.pgc);
-  j.Key("chapters").BeginArray();
-  for (const Chapter& c : Chapters(view)) {
-    j.BeginObject().MemberUint("number", c.number);
-    j.Key("length").Decimal(Seconds(c.ms), 3);
-    j.MemberUint("first_cell", c.first_cell);
-    if (c.pgc) j.MemberUint("pgc", c.pgc->number);
-    j.EndObject();
+  WriteSpans(j, "chapters", Chapters(view), true);
+  std::vector<CellSpan> programs;
+  for (const Pgc* pgc : chains) {
+    for (const CellSpan& p : Programs(*pgc)) programs.push_back(p);
   }
-  j.EndArray();
+  WriteSpans(j, "programs", programs, chains.size() > 1);
   WriteCells(j, chains, chains.size() > 1);
   WritePalette(j, view.pgc);
   j.EndObject();
@@ -300,7 +336,7 @@ void TitleText(std::string& out, const Disc& disc, const TitleEntry& t) {
   std::vector<const Pgc*> chains = TitleChains(view);
   std::size_t cells = 0;
   for (const Pgc* p : chains) cells += p->cells.size();
-  std::vector<Chapter> chapters = Chapters(view);
+  std::vector<CellSpan> chapters = Chapters(view);
   out += Format("Title %d: title set %d, title %d, %s, %d chapters, %d cells, %d angles\n",
                 {t.number, t.title_set, t.title_in_set, MsText(ChainsMs(chains)), chapters.size(),
                  cells, t.angles});
@@ -324,7 +360,7 @@ void TitleText(std::string& out, const Disc& disc, const TitleEntry& t) {
     out += Format("  Subpicture %d: %s, %s\n", {i + 1, Language(s.subpictures[i].language),
                                                 IdText(SubpictureId(s.video, view.pgc, i))});
   }
-  for (const Chapter& c : chapters) {
+  for (const CellSpan& c : chapters) {
     out += Format("  Chapter %d: %s, first cell %d\n", {c.number, MsText(c.ms), c.first_cell});
   }
   for (const Pgc* pgc : chains) {

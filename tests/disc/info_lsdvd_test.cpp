@@ -88,6 +88,13 @@ std::string Trim(std::string text) {
   return text;
 }
 
+// The language code of lsdvd's "en - English"; lsdvd writes "xx - Unknown" for a stream
+// without one, which info gives as null.
+json LsdvdLanguage(const std::string& text) {
+  std::string code = text.substr(0, 2);
+  return code == "xx" ? json(nullptr) : json(code);
+}
+
 json Info(const std::string& disc) {
   std::string error;
   std::optional<Disc> d = LoadDisc(disc, error);
@@ -107,7 +114,7 @@ void CompareWithLsdvd(const std::string& disc, bool compare_ids) {
     SCOPED_TRACE("title " + std::to_string(t + 1));
     EXPECT_EQ(std::stoi(l.title.at("Title")), j["number"]);
     EXPECT_EQ(Ms(l.title.at("Length")), Ms(j["length"]));
-    EXPECT_EQ(std::stoul(l.title.at("Chapters")), j["chapters"].size());
+    EXPECT_EQ(std::stoul(l.title.at("Chapters")), j["programs"].size());
     EXPECT_EQ(std::stoul(l.title.at("Cells")), j["cells"].size());
     EXPECT_EQ(std::stoul(l.title.at("Audio streams")), j["audio"].size());
     EXPECT_EQ(std::stoul(l.title.at("Subpictures")), j["subpictures"].size());
@@ -134,7 +141,7 @@ void CompareWithLsdvd(const std::string& disc, bool compare_ids) {
       const auto& la = l.audio[a];
       const json& ja = j["audio"][a];
       EXPECT_EQ(std::stoi(la.at("Audio")), ja["number"]);
-      EXPECT_EQ(la.at("Language").substr(0, 2), ja["language"]);
+      EXPECT_EQ(LsdvdLanguage(la.at("Language")), ja["language"]);
       EXPECT_EQ(Trim(la.at("Format")), ja["format"]);
       EXPECT_EQ(std::stoi(la.at("Frequency")), ja["frequency"]);
       EXPECT_EQ(std::stoi(la.at("Channels")), ja["channels"]);
@@ -143,17 +150,19 @@ void CompareWithLsdvd(const std::string& disc, bool compare_ids) {
         EXPECT_EQ(la.at("Stream id"), ja["stream_id"]);
       }
     }
+    // lsdvd's chapters are the programs of the title's chain.
+    ASSERT_EQ(l.chapters.size(), j["programs"].size());
     for (std::size_t c = 0; c < l.chapters.size(); ++c) {
-      EXPECT_EQ(std::stoi(l.chapters[c].at("Chapter")), j["chapters"][c]["number"]);
-      EXPECT_EQ(Ms(l.chapters[c].at("Length")), Ms(j["chapters"][c]["length"]));
-      EXPECT_EQ(std::stoi(l.chapters[c].at("Start Cell")), j["chapters"][c]["first_cell"]);
+      EXPECT_EQ(std::stoi(l.chapters[c].at("Chapter")), j["programs"][c]["number"]);
+      EXPECT_EQ(Ms(l.chapters[c].at("Length")), Ms(j["programs"][c]["length"]));
+      EXPECT_EQ(std::stoi(l.chapters[c].at("Start Cell")), j["programs"][c]["first_cell"]);
     }
     for (std::size_t c = 0; c < l.cells.size(); ++c) {
       EXPECT_EQ(std::stoi(l.cells[c].at("Cell")), j["cells"][c]["number"]);
       EXPECT_EQ(Ms(l.cells[c].at("Length")), Ms(j["cells"][c]["length"]));
     }
     for (std::size_t s = 0; s < l.subtitles.size(); ++s) {
-      EXPECT_EQ(l.subtitles[s].at("Language").substr(0, 2), j["subpictures"][s]["language"]);
+      EXPECT_EQ(LsdvdLanguage(l.subtitles[s].at("Language")), j["subpictures"][s]["language"]);
       if (compare_ids) {
         EXPECT_EQ(l.subtitles[s].at("Stream id"), j["subpictures"][s]["stream_id"]);
       }
@@ -250,6 +259,27 @@ TEST(InfoLsdvd, DiscAuthoredByDvdauthorAgreesVerifiesCleanAndReadsTheSameFromIts
   from_iso.erase("disc");
   j.erase("disc");
   EXPECT_EQ(from_iso, j);
+}
+
+// A title whose cells start a chapter, a program only and a chapter: two chapters (parts of
+// title), the first over cells 1 and 2; three programs, which lsdvd lists as its chapters.
+TEST(InfoLsdvd, ChaptersArePartsOfTitlesProgramsAreWhatLsdvdCallsChapters) {
+  ASSERT_TRUE(test::HaveAuthoringTools() && HaveLsdvd()) << "tools/install-deps.sh test";
+  std::string disc = test::NtscTwoTitleDisc();
+  json t = Info(disc)["titles"][0];
+  ASSERT_EQ(t["cells"].size(), 3u);
+  ASSERT_EQ(t["chapters"].size(), 2u);
+  EXPECT_EQ(t["chapters"][0]["first_cell"], 1);
+  EXPECT_EQ(t["chapters"][1]["first_cell"], 3);
+  EXPECT_EQ(Ms(t["chapters"][0]["length"]),
+            Ms(t["cells"][0]["length"]) + Ms(t["cells"][1]["length"]));
+  EXPECT_EQ(Ms(t["chapters"][1]["length"]), Ms(t["cells"][2]["length"]));
+  ASSERT_EQ(t["programs"].size(), 3u);
+  for (std::size_t p = 0; p < 3; ++p) {
+    EXPECT_EQ(t["programs"][p]["first_cell"], p + 1);
+    EXPECT_EQ(Ms(t["programs"][p]["length"]), Ms(t["cells"][p]["length"]));
+  }
+  CompareWithLsdvd(disc, true);
 }
 
 // Title 2's chain makes no sub-picture stream available (its VOB has none): like lsdvd, info
