@@ -4,6 +4,7 @@
 
 #include <fstream>
 
+#include "disc/authored_disc.h"
 #include "disc/disc_test_support.h"
 #include "disc/info.h"
 #include "disc/verify.h"
@@ -49,6 +50,26 @@ TEST(Iso, SameInfoAndVerifyAsTheFolder) {
   EXPECT_EQ(va.errors, 0u) << VerifyText(va);
   EXPECT_EQ(WithoutDisc(test::ParseJson(VerifyJson(iso, va))),
             WithoutDisc(test::ParseJson(VerifyJson("folder", vb))));
+}
+
+// The discs authored by dvdauthor: two title sets' worth of layout, menus in two languages,
+// a 16:9 title; their images read as their folders do.
+TEST(Iso, AuthoredDiscsReadTheSameFromTheirImages) {
+  ASSERT_TRUE(test::HaveTool("genisoimage") && test::HaveAuthoringTools())
+      << "tools/install-deps.sh test";
+  for (const std::string& disc : {test::NtscTwoTitleDisc(), test::WidePalDisc()}) {
+    SCOPED_TRACE(disc);
+    test::TempDir dir;
+    std::string iso = MakeIso(dir, disc);
+    std::optional<Disc> image = Load(iso), folder = Load(disc);
+    ASSERT_TRUE(image && folder);
+    EXPECT_EQ(WithoutDisc(test::ParseJson(DiscInfoJson(*image))),
+              WithoutDisc(test::ParseJson(DiscInfoJson(*folder))));
+    VerifyResult va = VerifyDisc(*image), vb = VerifyDisc(*folder);
+    EXPECT_TRUE(va.findings.empty()) << VerifyText(va);
+    EXPECT_EQ(WithoutDisc(test::ParseJson(VerifyJson(iso, va))),
+              WithoutDisc(test::ParseJson(VerifyJson("folder", vb))));
+  }
 }
 
 TEST(Iso, DamagedDiscGivesTheSameFindingsFromItsImage) {
