@@ -388,6 +388,20 @@ void MenuText(std::string& out, const std::vector<LanguageUnit>& units, const st
   }
 }
 
+// The number of the longest title (the first of equally long ones), 0 for a disc without one.
+std::uint32_t LongestTitle(const Disc& disc) {
+  std::uint32_t longest = 0;
+  std::uint64_t longest_ms = 0;
+  for (const TitleEntry& t : disc.vmg.titles) {
+    std::uint64_t ms = ChainsMs(TitleChains(ViewTitle(disc, t)));
+    if (longest == 0 || ms > longest_ms) {
+      longest = t.number;
+      longest_ms = ms;
+    }
+  }
+  return longest;
+}
+
 }  // namespace
 
 std::string DiscInfoJson(const Disc& disc) {
@@ -403,6 +417,12 @@ std::string DiscInfoJson(const Disc& disc) {
   j.Key("titles").BeginArray();
   for (const TitleEntry& t : disc.vmg.titles) WriteTitle(j, disc, t);
   j.EndArray();
+  j.Key("longest_title");
+  if (std::uint32_t longest = LongestTitle(disc)) {
+    j.Uint(longest);
+  } else {
+    j.Null();
+  }
   j.Key("menus").BeginArray();
   WriteMenus(j, disc.vmg.menus, "vmgm", std::nullopt, disc.vmg.menu);
   for (const TitleSet& ts : disc.title_sets) {
@@ -420,6 +440,7 @@ std::string DiscInfoText(const Disc& disc) {
                 {disc.vmg.id, disc.vmg.provider, disc.vmg.version >> 4, disc.vmg.version & 15,
                  disc.vmg.title_set_count, disc.vmg.titles.size()});
   for (const TitleEntry& t : disc.vmg.titles) TitleText(out, disc, t);
+  if (std::uint32_t longest = LongestTitle(disc)) out += Format("Longest title: %d\n", {longest});
   out += "Menus:\n";
   MenuText(out, disc.vmg.menus, "Video manager");
   for (const TitleSet& ts : disc.title_sets) {

@@ -102,10 +102,18 @@ json Info(const std::string& disc) {
   return d ? test::ParseJson(DiscInfoJson(*d)) : json{};
 }
 
+// lsdvd's "Longest track: NN".
+int LsdvdLongest(const std::string& disc) {
+  std::string out = test::CaptureCommand("lsdvd " + test::ShellQuote(disc) + " 2>/dev/null");
+  std::size_t at = out.find("Longest track: ");
+  return at == std::string::npos ? -1 : std::stoi(out.substr(at + 15));
+}
+
 // Every field both show; stream ids only when compare_ids.
 void CompareWithLsdvd(const std::string& disc, bool compare_ids) {
   std::vector<LsdvdTitle> lsdvd = RunLsdvd(disc);
   json info = Info(disc);
+  EXPECT_EQ(LsdvdLongest(disc), info["longest_title"]);
   ASSERT_EQ(lsdvd.size(), info["titles"].size());
   ASSERT_FALSE(lsdvd.empty());
   for (std::size_t t = 0; t < lsdvd.size(); ++t) {
