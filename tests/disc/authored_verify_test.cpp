@@ -10,10 +10,7 @@ namespace tarvex {
 namespace {
 
 VerifyResult Verify(const std::string& path) {
-  std::string error;
-  std::optional<Disc> disc = LoadDisc(path, error);
-  EXPECT_TRUE(disc) << error;
-  return disc ? VerifyDisc(*disc) : VerifyResult{};
+  return test::VerifyAt(path);
 }
 
 // "check FILE:TABLE#ENTRY" or "check FILE@RECORD" of each finding.

@@ -61,6 +61,13 @@ std::string Damage(const TempDir& dir, const std::string& name) {
   return dir.path() + "/" + name;
 }
 
+VerifyResult VerifyAt(const std::string& path, bool ifo_only) {
+  std::string error;
+  std::optional<Disc> disc = LoadDisc(path, error);
+  EXPECT_TRUE(disc) << path << ": " << error;
+  return disc ? VerifyDisc(*disc, {.ifo_only = ifo_only}) : VerifyResult{};
+}
+
 nlohmann::json ParseJson(const std::string& text) {
   try {
     return nlohmann::json::parse(text);

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "disc/verify.h"
 #include "support/test_support.h"
 
 namespace tarvex::test {
@@ -33,6 +34,9 @@ CliRun RunCli(const std::vector<std::string>& args);
 std::string RemappedSample(const TempDir& dir);
 // Runs tools/damage-disc.py for one case into dir; returns the damaged disc's folder.
 std::string Damage(const TempDir& dir, const std::string& name);
+
+// Loads the disc at path (the test fails when it cannot) and verifies it.
+VerifyResult VerifyAt(const std::string& path, bool ifo_only = false);
 
 // Parses text as JSON (strict: the test fails on anything else).
 nlohmann::json ParseJson(const std::string& text);

@@ -13,11 +13,7 @@ namespace tarvex {
 namespace {
 
 VerifyResult Verify(const std::string& path, bool ifo_only = false) {
-  std::string error;
-  std::optional<Disc> disc = LoadDisc(path, error);
-  EXPECT_TRUE(disc) << error;
-  if (!disc) return {};
-  return VerifyDisc(*disc, {.ifo_only = ifo_only});
+  return test::VerifyAt(path, ifo_only);
 }
 
 std::string Lines(const VerifyResult& r) {
