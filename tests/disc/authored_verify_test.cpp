@@ -2,6 +2,9 @@
 // whose findings are worked out from the discs' own bytes.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <sstream>
+
 #include "disc/authored_disc.h"
 #include "disc/disc_test_support.h"
 #include "disc/verify.h"
@@ -141,6 +144,32 @@ TEST_F(AuthoredVerify, NavigationPackOfAnUnknownCellKeepsItsStreamsInTheirCell) 
   VerifyResult r = Verify(disc);
   EXPECT_EQ(Places(r), (std::vector<std::string>{"nav.cell VTS_01_1.VOB@" + std::to_string(nav)}))
       << VerifyText(r);
+}
+
+// tools/damage-disc.py finds its places through the disc's tables: on the authored disc each
+// case it makes gives at least the finding it names. The disc has no title set menu to take a
+// button fault and one audio stream only, which the stream-missing case needs two of.
+TEST_F(AuthoredVerify, DamageToolCasesAreFoundOnAnAuthoredDisc) {
+  test::TempDir dir;
+  std::string tool = std::string(TARVEX_SOURCE_DIR) + "/tools/damage-disc.py";
+  std::string made = test::CaptureCommand(
+      "python3 " + test::ShellQuote(tool) + " " + test::ShellQuote(test::NtscTwoTitleDisc()) + " " +
+      test::ShellQuote(dir.path()) + " all 2>" + test::ShellQuote(dir.file("err")));
+  std::string listed = test::CaptureCommand("python3 " + test::ShellQuote(tool) + " --list");
+  std::size_t cases = static_cast<std::size_t>(std::count(listed.begin(), listed.end(), '\n'));
+  std::istringstream lines(made);
+  std::string name, check, where;
+  std::size_t found = 0;
+  while (lines >> name >> check >> where) {
+    SCOPED_TRACE(name);
+    std::vector<std::string> places = Places(Verify(dir.file(name)));
+    EXPECT_NE(std::find(places.begin(), places.end(), check + " " + where), places.end())
+        << check << " " << where;
+    ++found;
+  }
+  EXPECT_EQ(found, cases - 2) << test::ReadFileText(dir.file("err"));
+  EXPECT_NE(test::ReadFileText(dir.file("err")).find("button-command: title set 1 has no menu VOB"),
+            std::string::npos);
 }
 
 }  // namespace

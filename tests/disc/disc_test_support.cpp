@@ -56,7 +56,7 @@ CliRun RunCli(const std::vector<std::string>& args) {
 std::string Damage(const TempDir& dir, const std::string& name) {
   std::string tool = std::string(TARVEX_SOURCE_DIR) + "/tools/damage-disc.py";
   std::string command = "python3 " + ShellQuote(tool) + " " + ShellQuote(SampleDisc()) + " " +
-                        ShellQuote(dir.path()) + " " + ShellQuote(name);
+                        ShellQuote(dir.path()) + " " + ShellQuote(name) + " >/dev/null";
   EXPECT_EQ(std::system(command.c_str()), 0) << command;
   return dir.path() + "/" + name;
 }

@@ -1,6 +1,6 @@
 // verify on the sample, on a disc that maps its streams through the chain's control, and on
 // damaged copies made by tools/damage-disc.py: each fault gives exactly the findings worked out
-// by hand from the sample's tables (see the offsets and values in the tool).
+// by hand from the sample's tables (the places and values below).
 #include "disc/verify.h"
 
 #include <gtest/gtest.h>
