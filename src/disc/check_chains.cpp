@@ -146,14 +146,14 @@ class ChainChecker {
       } else if (c.last_sector >= s_.set.sectors) {
         Report("pgc.cell-sectors", where + Format("last sector %d, the VOBs have %s sectors",
                                                   {c.last_sector, std::to_string(s_.set.sectors)}));
-      } else if (!s_.set.vobu_starts.empty() && (!IsVobuStart(s_.set, c.first_sector) ||
-                                                 !IsVobuStart(s_.set, c.last_vobu_start))) {
+      } else if (!s_.set.vobu_starts.empty() &&
+                 (!s_.set.IsVobuStart(c.first_sector) || !s_.set.IsVobuStart(c.last_vobu_start))) {
         Report("pgc.cell-sectors",
                where + Format("entry %d or last VOBU %d is not a VOBU start in the address map",
                               {c.first_sector, c.last_vobu_start}));
       }
       if (!s_.set.has_cell_table) continue;
-      const CellAddress* a = FindCellAddress(s_.set, c.vob_id, c.cell_id);
+      const CellAddress* a = s_.set.FindCell(c.vob_id, c.cell_id);
       if (a == nullptr) {
         Report("pgc.cell-position",
                where + Format("VOB %d cell %d is not in the cell address table",

@@ -225,17 +225,6 @@ void CheckTitles(const Disc& disc, Findings& out) {
   }
 }
 
-const CellAddress* FindCellAddress(const VobSet& set, std::uint16_t vob, std::uint8_t cell) {
-  for (const CellAddress& c : set.cells) {
-    if (c.vob_id == vob && c.cell_id == cell) return &c;
-  }
-  return nullptr;
-}
-
-bool IsVobuStart(const VobSet& set, std::uint32_t sector) {
-  return std::binary_search(set.vobu_starts.begin(), set.vobu_starts.end(), sector);
-}
-
 namespace {
 
 // Cells of angle blocks: their sectors interleave with the other angles' cells.
@@ -275,7 +264,7 @@ void CheckCellTable(const std::string& file, const char* table, const VobSet& se
                            {c.vob_id, c.cell_id, c.first, b.last}));
       }
     }
-    if (!set.vobu_starts.empty() && !IsVobuStart(set, c.first)) {
+    if (!set.vobu_starts.empty() && !set.IsVobuStart(c.first)) {
       out.AtTable("c_adt.order", file, table, entry,
                   Format("VOB %d cell %d starts at sector %d, which is not a VOBU start",
                          {c.vob_id, c.cell_id, c.first}));
@@ -330,7 +319,7 @@ void CheckAddressTables(const Disc& disc, Findings& out) {
       const TitleTimeMap& map = ts.time_maps[m];
       for (std::size_t e = 0; e < map.entries.size(); ++e) {
         std::uint32_t sector = map.entries[e] & 0x7FFFFFFF;
-        if (!ts.title_vobs.vobu_starts.empty() && !IsVobuStart(ts.title_vobs, sector)) {
+        if (!ts.title_vobs.vobu_starts.empty() && !ts.title_vobs.IsVobuStart(sector)) {
           out.AtTable("tmapt.entry", ts.ifo_name, "VTS_TMAPT", static_cast<std::uint32_t>(m + 1),
                       Format("entry %d: sector %d is not a VOBU start", {e + 1, sector}));
         }

@@ -267,7 +267,7 @@ class VobSetScanner {
                 : Format("previous VOBU %d sectors back, this is the cell's first VOBU", {back}));
       }
     }
-    const CellAddress* a = FindCellAddress(set_, f.vob_id, f.cell_id);
+    const CellAddress* a = set_.FindCell(f.vob_id, f.cell_id);
     if (set_.has_cell_table) {
       if (a == nullptr) {
         out_.AtRecord("nav.cell", file, record,

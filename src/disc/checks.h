@@ -90,9 +90,4 @@ void CheckStreams(const Disc& disc, const std::vector<DomainChain>& chains,
                   const StreamDeclarations& declared, const StreamPresence& found,
                   const VobSetNames& names, Findings& out);
 
-// The cell address entry of (vob id, cell id), or nullptr.
-const CellAddress* FindCellAddress(const VobSet& set, std::uint16_t vob, std::uint8_t cell);
-// Whether sector starts a VOBU of the set's address map.
-bool IsVobuStart(const VobSet& set, std::uint32_t sector);
-
 }  // namespace tarvex

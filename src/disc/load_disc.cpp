@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cctype>
+#include <utility>
 
 #include "disc/load_ifo.h"
 #include "disc/model.h"
@@ -114,6 +115,35 @@ std::optional<std::pair<std::string, std::uint64_t>> VobSet::Locate(std::uint64_
     }
   }
   return std::nullopt;
+}
+
+void VobSet::Index() {
+  cells_by_id_.resize(cells.size());
+  for (std::uint32_t i = 0; i < cells_by_id_.size(); ++i) cells_by_id_[i] = i;
+  std::stable_sort(cells_by_id_.begin(), cells_by_id_.end(),
+                   [this](std::uint32_t a, std::uint32_t b) {
+                     return std::pair(cells[a].vob_id, cells[a].cell_id) <
+                            std::pair(cells[b].vob_id, cells[b].cell_id);
+                   });
+  sorted_vobu_starts_ = vobu_starts;
+  std::sort(sorted_vobu_starts_.begin(), sorted_vobu_starts_.end());
+}
+
+const CellAddress* VobSet::FindCell(std::uint16_t vob_id, std::uint8_t cell_id) const {
+  auto key = std::pair(vob_id, cell_id);
+  auto it =
+      std::lower_bound(cells_by_id_.begin(), cells_by_id_.end(), key,
+                       [this](std::uint32_t i, const std::pair<std::uint16_t, std::uint8_t>& k) {
+                         return std::pair(cells[i].vob_id, cells[i].cell_id) < k;
+                       });
+  if (it == cells_by_id_.end() || std::pair(cells[*it].vob_id, cells[*it].cell_id) != key) {
+    return nullptr;
+  }
+  return &cells[*it];
+}
+
+bool VobSet::IsVobuStart(std::uint32_t sector) const {
+  return std::binary_search(sorted_vobu_starts_.begin(), sorted_vobu_starts_.end(), sector);
 }
 
 const TitleSet* Disc::FindTitleSet(std::uint32_t number) const {

@@ -165,6 +165,7 @@ void ReadCellAddresses(ByteView table, VobSet& set) {
                          static_cast<std::uint8_t>(DiscValue(e, layout, "c_idn")),
                          DiscValue(e, layout, "cp_sa"), DiscValue(e, layout, "cp_ea")});
   }
+  set.Index();
 }
 
 void ReadVobuAddresses(ByteView table, VobSet& set) {
@@ -175,6 +176,7 @@ void ReadVobuAddresses(ByteView table, VobSet& set) {
   std::uint32_t count = Fitting(table, 4, 4, declared);
   set.vobu_starts.reserve(count);
   for (std::uint32_t i = 0; i < count; ++i) set.vobu_starts.push_back(table.be32(4 + 4 * i));
+  set.Index();
 }
 
 }  // namespace tarvex

@@ -83,9 +83,20 @@ struct VobSet {
   std::uint32_t cell_table_end = 0;
   std::vector<CellAddress> cells;
   std::uint32_t admap_end = 0;
-  std::vector<std::uint32_t> vobu_starts;
+  std::vector<std::uint32_t> vobu_starts;  // as the map holds them (in order on a sound disc)
   // The file and record of a sector of the set, or nothing beyond its end.
   std::optional<std::pair<std::string, std::uint64_t>> Locate(std::uint64_t sector) const;
+  // The first entry of the cell address table for a VOB id and cell id, or nullptr.
+  const CellAddress* FindCell(std::uint16_t vob_id, std::uint8_t cell_id) const;
+  // Whether the VOBU address map has a VOBU starting at sector (in whatever order it is).
+  bool IsVobuStart(std::uint32_t sector) const;
+  // Builds the look-ups above once the tables are read: every navigation pack and every cell
+  // of a chain is looked up, so a look-up must not walk a table a damaged IFO can make huge.
+  void Index();
+
+ private:
+  std::vector<std::uint32_t> cells_by_id_;  // indices into cells by VOB id, cell id, index
+  std::vector<std::uint32_t> sorted_vobu_starts_;
 };
 
 // Where a table lies in its IFO.
