@@ -371,7 +371,10 @@ void TitleText(std::string& out, const Disc& disc, const TitleEntry& t) {
   }
   if (view.pgc) {
     out += "  Palette:";
-    for (std::uint32_t colour : view.pgc->palette) out += " " + PaletteEntry(colour);
+    for (std::uint32_t colour : view.pgc->palette) {
+      out += ' ';
+      out += PaletteEntry(colour);
+    }
     out += "\n";
   }
 }
