@@ -26,27 +26,17 @@ const char* MenuName(std::uint8_t kind) {
   return kind >= 3 && kind <= 7 ? kNames[kind - 3] : "";
 }
 
-// The bytes of one command, b0 .. b7, with the bit fields the reading uses.
-struct NavCommand {
-  std::uint8_t b[8];
+// The text reading shows two fields with its own widths: the link chain number from 14 bits
+// (b6 bits 5-0 and b7) and the part of title of a jump shifted by 10, not 8. That is how this
+// reading has always shown them; ReadNavTarget uses the command set's own widths.
+std::uint32_t ShownLinkPgcn(const NavCommandBits& c) {
+  return ((c.b[6] & 0x3Fu) << 8) | c.b[7];
+}
+std::uint32_t ShownJumpPttn(const NavCommandBits& c) {
+  return ((c.b[2] & 0x03u) << 10) | c.b[3];
+}
 
-  std::uint8_t group() const { return b[0] >> 4; }
-  bool has_compare() const { return (b[1] >> 4) != 0; }
-  std::uint8_t subtype() const { return b[1] & 0x0F; }
-  std::uint32_t link_pgcn() const { return ((b[6] & 0x3Fu) << 8) | b[7]; }
-  std::uint32_t link_pttn() const { return ((b[6] & 0x03u) << 8) | b[7]; }
-  std::uint32_t link_pgn() const { return b[7] & 0x7Fu; }
-  std::uint32_t link_cn() const { return b[7]; }
-  std::uint32_t highlight() const { return b[6] >> 2; }
-  bool has_highlight() const { return (b[6] & 0xFC) != 0; }
-  // The part of title is shifted by 10, not 8: that is how this reading has always shown it.
-  std::uint32_t jump_pttn() const { return ((b[2] & 0x03u) << 10) | b[3]; }
-  std::uint8_t system_mode() const { return b[5] >> 6; }
-  std::uint8_t system_menu() const { return b[5] & 0x0F; }
-  std::uint32_t system_pgcn() const { return ((b[2] & 0x7Fu) << 8) | b[3]; }
-};
-
-std::string DescribeLink(const NavCommand& c) {
+std::string DescribeLink(const NavCommandBits& c) {
   if (c.has_compare()) return " CmpLnk ";
   std::string out = " Lnk ";
   switch (c.subtype()) {
@@ -54,7 +44,7 @@ std::string DescribeLink(const NavCommand& c) {
       out += " SIns (additional parameters not decoded)";
       break;
     case 4:
-      AppendFormat(out, " to PGC %d", {c.link_pgcn()});
+      AppendFormat(out, " to PGC %d", {ShownLinkPgcn(c)});
       break;
     case 5:
       if (c.has_highlight()) {
@@ -84,7 +74,7 @@ std::string DescribeLink(const NavCommand& c) {
 }
 
 // Jump in system space: replaces the group word.
-std::string DescribeJumpSystemSpace(const NavCommand& c) {
+std::string DescribeJumpSystemSpace(const NavCommandBits& c) {
   std::string out;
   switch (c.system_mode()) {
     case kSystemTitleSet:
@@ -108,7 +98,7 @@ std::string DescribeJumpSystemSpace(const NavCommand& c) {
 }
 
 // Call in system space: replaces the group word.
-std::string DescribeCallSystemSpace(const NavCommand& c) {
+std::string DescribeCallSystemSpace(const NavCommandBits& c) {
   switch (c.system_mode()) {
     case kSystemFirstPlay:
       return " CallInSystemSpace First Play ";
@@ -121,7 +111,7 @@ std::string DescribeCallSystemSpace(const NavCommand& c) {
   }
 }
 
-std::string DescribeJump(const NavCommand& c) {
+std::string DescribeJump(const NavCommandBits& c) {
   if (c.has_compare()) return " CmpJmp ";
   std::string out = " Jmp ";
   switch (c.subtype()) {
@@ -135,7 +125,7 @@ std::string DescribeJump(const NavCommand& c) {
       AppendFormat(out, "to This VTS Title %d", {c.b[5]});
       break;
     case 5:
-      AppendFormat(out, "to This VTS Title %d Part of Title %d", {c.b[5], c.jump_pttn()});
+      AppendFormat(out, "to This VTS Title %d Part of Title %d", {c.b[5], ShownJumpPttn(c)});
       break;
     case 6:
       return DescribeJumpSystemSpace(c);
@@ -149,9 +139,166 @@ std::string DescribeJump(const NavCommand& c) {
 
 }  // namespace
 
+NavCommandBits NavCommandBits::From(ByteView command) {
+  NavCommandBits c;
+  for (std::size_t i = 0; i < c.b.size(); ++i) c.b[i] = command.u8(i);
+  return c;
+}
+
+namespace {
+
+// Command types (b0 bits 7..5).
+constexpr std::uint8_t kTypeGoto = 0;
+constexpr std::uint8_t kTypeLinkJump = 1;
+constexpr std::uint8_t kTypeSetSystem = 2;
+constexpr std::uint8_t kTypeSet = 3;
+constexpr std::uint8_t kTypeSetCompareLink = 4;
+constexpr std::uint8_t kTypeCompareSetLink = 5;
+constexpr std::uint8_t kTypeCompareSetAlwaysLink = 6;
+
+// Set system operations (b0 bits 3..0 of type 2).
+constexpr std::uint8_t kSetNavigationTimer = 2;
+constexpr std::uint8_t kSetHighlightButton = 6;
+
+// The link of a link command, or of a set that carries one: subtype 1 by sub-instruction,
+// 4 program chain, 5 part of title, 6 program, 7 cell.
+void ReadLink(const NavCommandBits& c, NavTarget& t) {
+  switch (c.subtype()) {
+    case 1:
+      t.kind = NavTargetKind::kLinkSub;
+      t.sub_instruction = c.link_sub_instruction();
+      t.button = c.highlight();
+      break;
+    case 4:
+      t.kind = NavTargetKind::kLinkChain;
+      t.number = c.link_pgcn();
+      break;
+    case 5:
+      t.kind = NavTargetKind::kLinkPart;
+      t.number = c.link_pttn();
+      t.button = c.highlight();
+      break;
+    case 6:
+      t.kind = NavTargetKind::kLinkProgram;
+      t.number = c.link_pgn();
+      t.button = c.highlight();
+      break;
+    case 7:
+      t.kind = NavTargetKind::kLinkCell;
+      t.number = c.link_cn();
+      t.button = c.highlight();
+      break;
+    default:  // 0 no link; 2, 3 and 8 .. 15 are not link subtypes
+      break;
+  }
+}
+
+// Jump and call in system space (subtypes 6 and 8 of the jump group).
+void ReadSystemSpace(const NavCommandBits& c, NavTarget& t) {
+  t.call = c.subtype() == 8;
+  if (t.call) t.resume_cell = c.b[4];
+  switch (c.system_mode()) {
+    case kSystemFirstPlay:
+      t.kind = NavTargetKind::kFirstPlay;
+      break;
+    case kSystemVmgMenu:
+      t.kind = NavTargetKind::kVmgMenu;
+      t.menu = c.system_menu();
+      break;
+    case kSystemTitleSet:
+      t.kind = NavTargetKind::kTitleSetMenu;
+      t.menu = c.system_menu();
+      if (!t.call) {
+        t.title_set = c.b[4];
+        t.title = c.b[3];
+      }
+      break;
+    case kSystemVmgPgc:
+    default:
+      t.kind = NavTargetKind::kVmgChain;
+      t.number = c.system_pgcn();
+      break;
+  }
+}
+
+void ReadJump(const NavCommandBits& c, NavTarget& t) {
+  switch (c.subtype()) {
+    case 1:
+      t.kind = NavTargetKind::kExit;
+      break;
+    case 2:
+      t.kind = NavTargetKind::kJumpTitle;
+      t.number = c.b[5];
+      break;
+    case 3:
+      t.kind = NavTargetKind::kJumpTitleInSet;
+      t.number = c.b[5];
+      break;
+    case 5:
+      t.kind = NavTargetKind::kJumpPartInSet;
+      t.title = c.b[5];
+      t.number = c.jump_pttn();
+      break;
+    case 6:
+    case 8:
+      ReadSystemSpace(c, t);
+      break;
+    default:  // 0, 4, 7 and 9 .. 15 are not jump subtypes
+      break;
+  }
+}
+
+// A set system command: its own targets (the navigation timer's chain, an immediate button to
+// highlight), and the link it carries when it compares nothing (a comparison takes b6 and b7).
+void ReadSetSystem(const NavCommandBits& c, NavTarget& t) {
+  if (c.set_operation() == kSetNavigationTimer) {
+    t.timer_chain = c.link_pgcn();
+    return;  // b6 and b7 hold the chain: no link
+  }
+  if (c.set_operation() == kSetHighlightButton && c.direct()) t.set_button = c.b[4] >> 2;
+  if (c.compare_operator() == 0) ReadLink(c, t);
+}
+
+}  // namespace
+
+NavTarget ReadNavTarget(ByteView command) {
+  NavCommandBits c = NavCommandBits::From(command);
+  NavTarget t;
+  t.conditional = c.compare_operator() != 0;
+  switch (c.type()) {
+    case kTypeGoto:
+      // 1 goto, 3 SetTmpPML: both go on at the line in b7 (2 break, 0 no operation).
+      if (c.subtype() == 1 || c.subtype() == 3) {
+        t.kind = NavTargetKind::kGoto;
+        t.number = c.b[7];
+      }
+      break;
+    case kTypeLinkJump:
+      c.group() == kGroupLink ? ReadLink(c, t) : ReadJump(c, t);
+      break;
+    case kTypeSetSystem:
+      ReadSetSystem(c, t);
+      break;
+    case kTypeSet:
+      if (c.compare_operator() == 0) ReadLink(c, t);
+      break;
+    case kTypeSetCompareLink:
+    case kTypeCompareSetLink:
+    case kTypeCompareSetAlwaysLink:
+      t.kind = NavTargetKind::kLinkSub;
+      t.sub_instruction = c.link_sub_instruction();
+      t.button = c.highlight();
+      t.conditional = t.conditional && c.type() != kTypeCompareSetAlwaysLink;
+      break;
+    default:  // type 7 is not defined
+      break;
+  }
+  if (t.kind == NavTargetKind::kNone) t.conditional = false;
+  return t;
+}
+
 std::string DescribeNavCommand(ByteView command) {
-  NavCommand c{};
-  for (std::size_t i = 0; i < 8; ++i) c.b[i] = command.u8(i);  // missing bytes read as 0
+  NavCommandBits c = NavCommandBits::From(command);
 
   switch (c.group()) {
     case kGroupSpecial: {

@@ -191,5 +191,143 @@ TEST(NavCommand, ShortCommandReadsMissingBytesAsZero) {
   EXPECT_EQ(Describe({0x20, 0x04}), " Lnk  to PGC 0");
 }
 
+// --- where a command can send playback ---
+
+NavTarget Target(std::vector<std::uint8_t> bytes) {
+  return ReadNavTarget(ByteView(bytes));
+}
+
+TEST(NavTarget, GotoAndSetTmpPmlGoToTheLineInB7) {
+  // "if (g14 == 2) goto 5": compare operator 2 in b1 bits 6-4, immediate flag in bit 7.
+  NavTarget t = Target({0x00, 0xA1, 0x00, 0x0E, 0x00, 0x02, 0x00, 0x05});
+  EXPECT_EQ(t.kind, NavTargetKind::kGoto);
+  EXPECT_EQ(t.number, 5u);
+  EXPECT_TRUE(t.conditional);
+  t = Target({0x00, 0x03, 0, 0, 0, 0, 0x02, 0x04});
+  EXPECT_EQ(t.kind, NavTargetKind::kGoto);
+  EXPECT_EQ(t.number, 4u);
+  EXPECT_FALSE(t.conditional);
+  EXPECT_EQ(Target({0x00, 0x02, 0, 0, 0, 0, 0, 0}).kind, NavTargetKind::kNone);  // break
+  EXPECT_EQ(Target({0, 0, 0, 0, 0, 0, 0, 0}).kind, NavTargetKind::kNone);
+}
+
+TEST(NavTarget, LinkChainTakesFifteenBits) {
+  // The text reading shows 16129 (six bits of b6); the chain is (0x7F << 8) | 1 = 32513.
+  NavTarget t = Target({0x20, 0x04, 0, 0, 0, 0, 0xFF, 0x01});
+  EXPECT_EQ(t.kind, NavTargetKind::kLinkChain);
+  EXPECT_EQ(t.number, 32513u);
+  EXPECT_EQ(t.button, 0u);
+}
+
+TEST(NavTarget, LinksWithAComparisonAreFollowed) {
+  // "if (g3 == 5) LinkPGCN 2": the comparison takes b3 to b5, the link b6 and b7.
+  NavTarget t = Target({0x20, 0xA4, 0x00, 0x03, 0x00, 0x05, 0x00, 0x02});
+  EXPECT_EQ(t.kind, NavTargetKind::kLinkChain);
+  EXPECT_EQ(t.number, 2u);
+  EXPECT_TRUE(t.conditional);
+  // "if (g1 < g2) JumpTT 3": a jump compares b6 with b7.
+  t = Target({0x30, 0x72, 0, 0, 0, 0x03, 0x01, 0x02});
+  EXPECT_EQ(t.kind, NavTargetKind::kJumpTitle);
+  EXPECT_EQ(t.number, 3u);
+  EXPECT_TRUE(t.conditional);
+}
+
+TEST(NavTarget, LinkPartProgramAndCellWithTheirButtons) {
+  NavTarget t = Target({0x20, 0x05, 0, 0, 0, 0, 0x0D, 0x02});  // button 3, part 258
+  EXPECT_EQ(t.kind, NavTargetKind::kLinkPart);
+  EXPECT_EQ(t.number, 258u);
+  EXPECT_EQ(t.button, 3u);
+  t = Target({0x20, 0x06, 0, 0, 0, 0, 0x04, 0x85});  // button 1, program 5 (seven bits)
+  EXPECT_EQ(t.kind, NavTargetKind::kLinkProgram);
+  EXPECT_EQ(t.number, 5u);
+  EXPECT_EQ(t.button, 1u);
+  t = Target({0x20, 0x07, 0, 0, 0, 0, 0x00, 0x85});
+  EXPECT_EQ(t.kind, NavTargetKind::kLinkCell);
+  EXPECT_EQ(t.number, 133u);
+  EXPECT_EQ(Target({0x20, 0x02, 0, 0, 0, 0, 0, 1}).kind, NavTargetKind::kNone);
+}
+
+TEST(NavTarget, JumpPartShiftsTheHighBitsByEight) {
+  // The text reading shows part 1024; the command set's part is (1 << 8) | 0 = 256.
+  NavTarget t = Target({0x30, 0x05, 0x01, 0x00, 0x00, 0x02, 0, 0});
+  EXPECT_EQ(t.kind, NavTargetKind::kJumpPartInSet);
+  EXPECT_EQ(t.title, 2u);
+  EXPECT_EQ(t.number, 256u);
+  EXPECT_EQ(Target({0x30, 0x03, 0, 0, 0, 0x04, 0, 0}).number, 4u);
+  EXPECT_EQ(Target({0x30, 0x01, 0, 0, 0, 0, 0, 0}).kind, NavTargetKind::kExit);
+}
+
+TEST(NavTarget, SystemSpaceJumpsAndCalls) {
+  NavTarget t = Target({0x30, 0x06, 0x00, 0x01, 0x01, 0x83, 0, 0});  // VTSM vts 1, tt 1, root
+  EXPECT_EQ(t.kind, NavTargetKind::kTitleSetMenu);
+  EXPECT_FALSE(t.call);
+  EXPECT_EQ(t.title_set, 1u);
+  EXPECT_EQ(t.title, 1u);
+  EXPECT_EQ(t.menu, 3u);
+  t = Target({0x30, 0x08, 0x00, 0x00, 0x01, 0x42, 0, 0});  // VMGM title menu, resume cell 1
+  EXPECT_EQ(t.kind, NavTargetKind::kVmgMenu);
+  EXPECT_TRUE(t.call);
+  EXPECT_EQ(t.menu, 2u);
+  EXPECT_EQ(t.resume_cell, 1u);
+  t = Target({0x30, 0x08, 0x80, 0x07, 0x00, 0xC0, 0, 0});  // VMGM chain (0 << 8) | 7
+  EXPECT_EQ(t.kind, NavTargetKind::kVmgChain);
+  EXPECT_EQ(t.number, 7u);
+  t = Target({0x30, 0x06, 0, 0, 0, 0x00, 0, 0});
+  EXPECT_EQ(t.kind, NavTargetKind::kFirstPlay);
+}
+
+TEST(NavTarget, SetsCarryTheirLinkWhenTheyCompareNothing) {
+  // "g0 = 0; LinkPTTN 3" (type 3, set operation 1, link subtype 5).
+  NavTarget t = Target({0x71, 0x05, 0, 0, 0, 0, 0, 0x03});
+  EXPECT_EQ(t.kind, NavTargetKind::kLinkPart);
+  EXPECT_EQ(t.number, 3u);
+  // "g15 = 2; LinkTailPGC".
+  t = Target({0x71, 0x01, 0x00, 0x0F, 0x00, 0x02, 0x00, 0x0D});
+  EXPECT_EQ(t.kind, NavTargetKind::kLinkSub);
+  EXPECT_EQ(t.sub_instruction, kLinkTailChain);
+  // SetSTN with LinkPGCN 3 (type 2, set operation 1).
+  t = Target({0x51, 0x04, 0, 0, 0, 0, 0x00, 0x03});
+  EXPECT_EQ(t.kind, NavTargetKind::kLinkChain);
+  EXPECT_EQ(t.number, 3u);
+  // A set with a comparison: b6 and b7 hold the comparison's operand, no link.
+  EXPECT_EQ(Target({0x61, 0x34, 0, 0, 0, 0, 0, 0x03}).kind, NavTargetKind::kNone);
+}
+
+TEST(NavTarget, SetSystemButtonAndNavigationTimer) {
+  // SetHL_BTNN with immediate 0x0400: button 1.
+  NavTarget t = Target({0x56, 0x00, 0x00, 0x00, 0x04, 0x00, 0x00, 0x00});
+  EXPECT_EQ(t.set_button, 1u);
+  EXPECT_EQ(t.kind, NavTargetKind::kNone);
+  EXPECT_EQ(Target({0x46, 0x00, 0x00, 0x00, 0x04, 0x00, 0, 0}).set_button, 0u);  // a register
+  // SetNVTMR: the chain in b6 and b7, which are then no link.
+  t = Target({0x52, 0x04, 0x00, 0x00, 0x00, 0x3C, 0x00, 0x05});
+  EXPECT_EQ(t.timer_chain, 5u);
+  EXPECT_EQ(t.kind, NavTargetKind::kNone);
+}
+
+TEST(NavTarget, TypesFourToSixLinkBySubInstruction) {
+  // Type 4: set, then if (g0 == g0) LinkTopC.
+  NavTarget t = Target({0x81, 0x20, 0, 0, 0, 0, 0, 0x01});
+  EXPECT_EQ(t.kind, NavTargetKind::kLinkSub);
+  EXPECT_EQ(t.sub_instruction, kLinkTopCell);
+  EXPECT_TRUE(t.conditional);
+  // Type 5: if (...) { set; LinkGoUpPGC }.
+  t = Target({0xA1, 0x20, 0, 0, 0, 0, 0, 0x0C});
+  EXPECT_EQ(t.sub_instruction, kLinkGoUpChain);
+  EXPECT_TRUE(t.conditional);
+  // Type 6: if (...) set; then LinkNextPGC with button 40 whatever the comparison gives.
+  t = Target({0xC1, 0x20, 0, 0, 0, 0, 0xA0, 0x0A});
+  EXPECT_EQ(t.sub_instruction, kLinkNextChain);
+  EXPECT_EQ(t.button, 40u);
+  EXPECT_FALSE(t.conditional);
+  EXPECT_EQ(Target({0xE0, 0x04, 0, 0, 0, 0, 0, 1}).kind, NavTargetKind::kNone);  // type 7
+}
+
+TEST(NavTarget, ShortCommandReadsMissingBytesAsZero) {
+  NavTarget t = Target({0x20, 0x04});
+  EXPECT_EQ(t.kind, NavTargetKind::kLinkChain);
+  EXPECT_EQ(t.number, 0u);
+}
+
 }  // namespace
 }  // namespace tarvex
