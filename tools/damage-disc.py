@@ -288,14 +288,29 @@ def cell_position(d):
     d.ifo(VTS, d.sub_table(0xEA) + 4 + 3, [d.cells() + 2])
 
 
-def command(d):
+def put_command(d, data):
+    """Writes a command over the title chain's command 3 (or its last)."""
     table = d.sub_table(0xE4)
     count = sum(d.u(VTS, table + 2 * k, 2) for k in range(3))
     if count == 0:
         raise Unfit('the title chain has no navigation command')
     n = min(count, 3)
-    d.ifo(VTS, table + 8 + 8 * (n - 1), [0x30, 0x02, 0, 0, 0, d.u(VMG, d.table(VMG, 0xC4), 2) + 4,
-                                         0, 0])
+    d.ifo(VTS, table + 8 + 8 * (n - 1), data)
+
+
+def command(d):
+    put_command(d, [0x30, 0x02, 0, 0, 0, d.u(VMG, d.table(VMG, 0xC4), 2) + 4, 0, 0])
+
+
+def command_set_link(d):
+    # "g0 = 0; LinkPGCN" (a set carrying a link: type 3, link subtype 4) to the chain four
+    # beyond the last.
+    put_command(d, [0x71, 0x04, 0, 0, 0, 0] + list(be16(d.u(VTS, d.table(VTS, 0xCC), 2) + 4)))
+
+
+# "g0 = g0; LinkTopPGC" highlighting button 40 (type 6: compare, set, always link by
+# sub-instruction); a menu has at most 36 buttons.
+SET_LINK_BUTTON_40 = [0xC1, 0x00, 0, 0, 0, 0, 40 << 2, 0x09]
 
 
 def pgc_time(d):
@@ -415,14 +430,33 @@ def nav_cell(d):
 
 
 def button_command(d):
+    return first_button(d, lambda buttons: [0x30, 0x03, 0, 0, 0, titles_in_set(d) + 4, 0, 0])
+
+
+def first_button(d, make):
+    """Replaces button 1 of the first navigation pack with buttons of title set 1's menu VOB
+    by make(buttons of the pack)."""
     name = 'VTS_01_0.VOB'
     if not os.path.exists(d.path(name)):
         raise Unfit('title set 1 has no menu VOB')
     for r, pack in enumerate(d.records(name)):
         if d.is_nav(pack) and pack[PCI + 113] > 0:  # btn_ns
-            d.patch(name, r * SECTOR + BUTTON_1, [0x30, 0x03, 0, 0, 0, titles_in_set(d) + 4, 0, 0])
+            d.patch(name, r * SECTOR + BUTTON_1, make(pack[PCI + 113]))
             return f'nav.button-command {name}@{r}'
     raise Unfit('the menu VOB has no buttons')
+
+
+def button_set_link(buttons):
+    # "g0 = 0; LinkPGCN 32767": no menu language unit has that many chains.
+    return [0x71, 0x04, 0, 0, 0, 0, 0x7F, 0xFF]
+
+
+def button_highlight(buttons):
+    # "g0 = g0; LinkNoLink" highlighting the button after the menu's last (type 4: set, then
+    # link by sub-instruction as no comparison is made).
+    if buttons >= 36:
+        raise Unfit('the menu has 36 buttons')
+    return [0x81, 0x00, 0, 0, 0, 0, (buttons + 1) << 2, 0x00]
 
 
 def pack_field(record, offset, data, check):
@@ -508,6 +542,12 @@ CASES = {
                                               be16(d.u(VTS, d.table(VTS, 0xCC), 2) + 4)))),
     'pgc-command': ('title chain command 3 (or its last): jump to the title four beyond the last',
                     chain_fault('pgc.command', command)),
+    'pgc-command-set-link': ('title chain command 3 (or its last): a set that links to the chain '
+                             'four beyond the last', chain_fault('pgc.command', command_set_link)),
+    'pgc-command-sub-link': ('title chain command 3 (or its last): compare, set and link to the '
+                             'top of the chain highlighting button 40',
+                             chain_fault('pgc.command',
+                                         lambda d: put_command(d, SET_LINK_BUTTON_40))),
     'pgc-time': ('title chain playback time one second more', chain_fault('pgc.time', pgc_time)),
     'pgc-stream-control': ('title chain: the audio stream after the declared ones made available',
                            chain_fault('pgc.stream-control', stream_control)),
@@ -528,6 +568,12 @@ CASES = {
                           nav_field(2, PREVIOUS_VOBU, add32(-1), 'nav.previous-vobu')),
     'button-command': ('VTS_01_0.VOB, its first navigation pack with buttons: button 1 jumps '
                        'to the title four beyond the last of the title set', button_command),
+    'button-command-set-link': ('VTS_01_0.VOB, its first navigation pack with buttons: button 1 '
+                                'sets a register and links to chain 32767',
+                                lambda d: first_button(d, button_set_link)),
+    'button-command-highlight': ('VTS_01_0.VOB, its first navigation pack with buttons: button 1 '
+                                 'sets a register and highlights the button after the last',
+                                 lambda d: first_button(d, button_highlight)),
     'nav-cell': ('the second navigation pack of the title chain\'s cell 2: vobu_c_idn one more',
                  nav_cell),
     'vobu-length': ('navigation pack 2: vobu_e_ptm 1.11 s after vobu_s_ptm', vobu_length),
@@ -550,7 +596,7 @@ CASES = {
 def main(argv):
     if len(argv) >= 1 and argv[0] == '--list':
         for name, (what, _) in CASES.items():
-            print(f'{name:20} {what}')
+            print(f'{name:24} {what}')
         return 0
     if len(argv) < 3:
         print(__doc__, file=sys.stderr)

@@ -17,6 +17,7 @@ struct ChainScope {
   std::size_t chains_in_block = 0;  // chains a link can name
   const TitleSet* title_set = nullptr;
   const StreamDeclarations* streams = nullptr;
+  bool titles = false;  // the title chains of a title set
 };
 
 }  // namespace
@@ -24,59 +25,6 @@ struct ChainScope {
 std::string LanguageUnitPrefix(const std::vector<LanguageUnit>& units, std::size_t u) {
   if (units.size() <= 1 || u >= units.size()) return {};
   return Format("language unit %d (%s): ", {u + 1, units[u].language});
-}
-
-std::optional<std::string> CommandTargetProblem(const CommandScope& scope, const Pgc& pgc,
-                                                const NavCommand& b) {
-  std::uint8_t group = b[0] >> 4, subtype = b[1] & 0x0F;
-  if ((b[1] >> 4) != 0) return std::nullopt;  // a comparison first: not followed here
-  std::size_t titles_in_set = scope.title_set ? scope.title_set->parts.size() : 0;
-  if (group == 2) {
-    std::uint32_t pgcn = ((b[6] & 0x7Fu) << 8) | b[7];
-    if (subtype == 4 && (pgcn == 0 || pgcn > scope.chains_in_block)) {
-      return Format("links to program chain %d, there are %d", {pgcn, scope.chains_in_block});
-    }
-    if (subtype == 6 && ((b[7] & 0x7F) == 0 || (b[7] & 0x7Fu) > pgc.declared_programs)) {
-      return Format("links to program %d, the chain has %d", {b[7] & 0x7F, pgc.declared_programs});
-    }
-    if (subtype == 7 && (b[7] == 0 || b[7] > pgc.declared_cells)) {
-      return Format("links to cell %d, the chain has %d", {b[7], pgc.declared_cells});
-    }
-    return std::nullopt;
-  }
-  if (group != 3) return std::nullopt;
-  std::size_t titles = scope.disc.vmg.titles.size();
-  if (subtype == 2 && (b[5] == 0 || b[5] > titles)) {
-    return Format("jumps to title %d, the disc has %d", {b[5], titles});
-  }
-  if ((subtype == 3 || subtype == 5) && scope.title_set != nullptr) {
-    if (b[5] == 0 || b[5] > titles_in_set) {
-      return Format("jumps to title %d of the title set, which has %d", {b[5], titles_in_set});
-    }
-    std::uint32_t part = ((b[2] & 0x03u) << 8) | b[3];
-    std::size_t parts = scope.title_set->parts[b[5] - 1].size();
-    if (subtype == 5 && (part == 0 || part > parts)) {
-      return Format("jumps to part %d of title %d, which has %d", {part, b[5], parts});
-    }
-  }
-  if (subtype == 6 && (b[5] >> 6) == 2) {
-    const TitleSet* target = scope.disc.FindTitleSet(b[4]);
-    if (target == nullptr) {
-      return Format("jumps to title set %d, which the disc does not have", {b[4]});
-    }
-    if (b[3] == 0 || b[3] > target->parts.size()) {
-      return Format("jumps to title %d of title set %d, which has %d",
-                    {b[3], b[4], target->parts.size()});
-    }
-  }
-  if ((subtype == 6 || subtype == 8) && (b[5] >> 6) == 3) {
-    std::uint32_t pgcn = ((b[2] & 0x7Fu) << 8) | b[3];
-    std::size_t vmgm = scope.disc.vmg.menus.empty() ? 0 : scope.disc.vmg.menus.front().pgcs.size();
-    if (pgcn == 0 || pgcn > vmgm) {
-      return Format("goes to video manager menu chain %d, there are %d", {pgcn, vmgm});
-    }
-  }
-  return std::nullopt;
 }
 
 namespace {
@@ -182,16 +130,22 @@ class ChainChecker {
     }
   }
 
-  void Command(const char* kind, std::size_t n, const NavCommand& b) {
-    auto problem = CommandTargetProblem({s_.disc, s_.chains_in_block, s_.title_set}, pgc_, b);
+  void Command(const char* kind, std::size_t n, const NavCommand& b, std::size_t lines) {
+    auto problem = CommandTargetProblem({s_.disc, s_.chains_in_block, s_.title_set, s_.titles},
+                                        pgc_, b, {lines, kind});
     if (problem) Report("pgc.command", Format("%s command %d: ", {kind, n}) + *problem);
   }
 
   void Commands() {
-    for (std::size_t i = 0; i < pgc_.pre.size(); ++i) Command("pre", i + 1, pgc_.pre[i]);
-    for (std::size_t i = 0; i < pgc_.post.size(); ++i) Command("post", i + 1, pgc_.post[i]);
+    // A goto goes to a line of its own table: pre and post commands have lines to go to.
+    for (std::size_t i = 0; i < pgc_.pre.size(); ++i) {
+      Command("pre", i + 1, pgc_.pre[i], pgc_.pre.size());
+    }
+    for (std::size_t i = 0; i < pgc_.post.size(); ++i) {
+      Command("post", i + 1, pgc_.post[i], pgc_.post.size());
+    }
     for (std::size_t i = 0; i < pgc_.cell_commands.size(); ++i) {
-      Command("cell", i + 1, pgc_.cell_commands[i]);
+      Command("cell", i + 1, pgc_.cell_commands[i], 0);
     }
     for (const Cell& c : pgc_.cells) {
       if (c.command() > pgc_.cell_commands.size()) {
@@ -264,8 +218,8 @@ void CheckChains(const Disc& disc, Findings& out) {
              vmg.menus, out);
   for (const TitleSet& ts : disc.title_sets) {
     if (!ts.present) continue;
-    ChainScope titles{disc,          ts.ifo_name,    "VTS_PGCIT", "",
-                      ts.title_vobs, ts.pgcs.size(), &ts,         &ts.title};
+    ChainScope titles{disc,           ts.ifo_name, "VTS_PGCIT", "",  ts.title_vobs,
+                      ts.pgcs.size(), &ts,         &ts.title,   true};
     for (const Pgc& pgc : ts.pgcs) ChainChecker(titles, pgc, out).Run();
     CheckUnits({disc, ts.ifo_name, "VTSM_PGCI_UT", "", ts.menu_vobs, 0, &ts, &ts.menu}, ts.menus,
                out);

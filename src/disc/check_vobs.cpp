@@ -159,7 +159,7 @@ class VobSetScanner {
       for (std::size_t k = 0; k < command.size(); ++k) command[k] = bytes.u8(k);
       std::pair<std::uint16_t, std::uint8_t> cell{f.vob_id, f.cell_id};
       if (!seen_buttons_.insert({cell, command}).second) continue;
-      presence_.buttons.push_back({cell, file, record, b + 1, command});
+      presence_.buttons.push_back({cell, file, record, b + 1, f.buttons, command});
     }
   }
 

@@ -43,18 +43,30 @@ struct CommandScope {
   const Disc& disc;
   std::size_t chains_in_block;  // chains a link can name (its table or language unit)
   const TitleSet* title_set;    // the title set of the domain, if any
+  bool titles = false;          // a title chain (whose parts a link can name)
 };
-// What is wrong with the target a link or jump command names, or nothing (commands of the
-// other groups carry no target of their own).
+// Where a command stands: the lines of its table for a goto (pre and post commands; 0 where
+// a goto has no lines to go to), or the buttons of the menu a button command belongs to.
+struct CommandPlace {
+  std::size_t lines = 0;
+  const char* table = "";     // "pre", "post"
+  std::uint32_t buttons = 0;  // btn_ns of the navigation pack
+  bool button_command = false;
+};
+// What is wrong with where a command can send playback (the target of its link, jump, call or
+// goto, whether taken always or on a comparison; the button it highlights; the chain of its
+// navigation timer), or nothing.
 std::optional<std::string> CommandTargetProblem(const CommandScope& scope, const Pgc& pgc,
-                                                const NavCommand& command);
+                                                const NavCommand& command,
+                                                const CommandPlace& place = {});
 
 // A button command of a navigation pack, as first found in the VOBs.
 struct ButtonCommand {
   std::pair<std::uint16_t, std::uint8_t> cell;
   std::string file;
   std::uint64_t record = 0;
-  std::uint32_t button = 0;  // from 1
+  std::uint32_t button = 0;   // from 1
+  std::uint32_t buttons = 0;  // the buttons of its navigation pack (btn_ns)
   NavCommand command{};
 };
 

@@ -49,7 +49,9 @@ constexpr CheckInfo kChecks[] = {
      "a cell position missing from the cell address table or with other sectors there"},
     {"pgc.links", E, "next, previous or go-up program chain numbers that do not exist"},
     {"pgc.command", E,
-     "a navigation command whose target (title, chain, program, cell, part) does not exist"},
+     "a navigation command that links, jumps, calls or goes (always, on a comparison or after "
+     "a set) to a title, part, chain, program, cell, menu, command or button that does not "
+     "exist"},
     {"pgc.time", W, "a program chain's playback time differs from the sum of its cells"},
     {"pgc.stream-control", E,
      "an audio or sub-picture stream control for a stream the title set does not declare"},
@@ -69,8 +71,9 @@ constexpr CheckInfo kChecks[] = {
      "a navigation pack whose VOB and cell ids are not the cell that the cell address table "
      "puts there"},
     {"nav.button-command", E,
-     "a button command of a navigation pack whose target (title, chain, program, cell, part) "
-     "does not exist"},
+     "a button command of a navigation pack that links, jumps or calls (always, on a comparison "
+     "or after a set) to a title, part, chain, program, cell, menu or button that does not "
+     "exist"},
     {"nav.vobu-length", W, "a VOBU shorter than 0.4 s or longer than 1.0 s (stills excepted)"},
     // Packs.
     {"vob.pack", E, "a record that is not an MPEG-2 pack of a DVD-Video stream"},

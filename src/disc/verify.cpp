@@ -45,15 +45,16 @@ std::vector<DomainChain> MenuChains(const std::vector<LanguageUnit>& units) {
 // Button commands against what their chain's domain holds: one finding per distinct command
 // of a cell, at the record where it was first seen.
 void CheckButtons(const Disc& disc, const std::vector<DomainChain>& chains, const TitleSet* ts,
-                  const StreamPresence& found, Findings& out) {
+                  bool titles, const StreamPresence& found, Findings& out) {
   for (const ButtonCommand& button : found.buttons) {
     for (const DomainChain& chain : chains) {
       bool plays = false;
       for (const Cell& c : chain.pgc->cells)
         plays = plays || (c.vob_id == button.cell.first && c.cell_id == button.cell.second);
       if (!plays) continue;
-      auto problem =
-          CommandTargetProblem({disc, chain.chains_in_block, ts}, *chain.pgc, button.command);
+      CommandPlace place{.buttons = button.buttons, .button_command = true};
+      auto problem = CommandTargetProblem({disc, chain.chains_in_block, ts, titles}, *chain.pgc,
+                                          button.command, place);
       if (problem) {
         out.AtRecord("nav.button-command", button.file, button.record,
                      Format("button %d: ", {button.button}) + *problem);
@@ -65,11 +66,11 @@ void CheckButtons(const Disc& disc, const std::vector<DomainChain>& chains, cons
 
 void ScanSet(const Disc& disc, const VobSet& set, VobSetNames names,
              const std::vector<DomainChain>& chains, const TitleSet* ts,
-             const StreamDeclarations& declared, Findings& out) {
+             const StreamDeclarations& declared, Findings& out, bool titles = false) {
   if (set.parts.empty()) return;
   names.interleaved = InterleavedCells(chains);
   StreamPresence found = ScanVobSet(disc, set, names, out);
-  CheckButtons(disc, chains, ts, found, out);
+  CheckButtons(disc, chains, ts, titles, found, out);
   CheckStreams(disc, chains, declared, found, names, out);
 }
 
@@ -105,7 +106,7 @@ VerifyResult VerifyDisc(const Disc& disc, const VerifyOptions& options) {
       std::vector<DomainChain> titles;
       for (const Pgc& pgc : ts.pgcs) titles.push_back({&pgc, ts.pgcs.size(), ""});
       ScanSet(disc, ts.title_vobs, {ts.ifo_name, "VTS_C_ADT", "VTS_VOBU_ADMAP", "VTS_PGCIT", {}},
-              titles, &ts, ts.title, out);
+              titles, &ts, ts.title, out, true);
     }
   }
   out.Finish();

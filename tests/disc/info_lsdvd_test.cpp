@@ -225,13 +225,19 @@ TEST(InfoLsdvd, StreamIdsFollowTheChainsControlNotThePosition) {
 }
 
 // A disc authored at test time by ffmpeg and dvdauthor, other than the sample: PAL 16:9, two
-// titles in one title set (3 and 2 chapters), two AC-3 streams, a first-play command.
+// titles in one title set (3 and 2 chapters), two AC-3 streams, a first-play command, a title
+// menu that title 2 calls.
 std::string AuthoredDisc(const test::TempDir& dir) {
   for (const char* clip : {"t1.mpg", "t2.mpg"}) {
     test::MakeClip(dir, {.file = clip, .wide = true, .seconds = 4, .audio = {"ac3", "ac3"}});
   }
+  test::MakeClip(dir, {.file = "menu.mpg", .wide = true, .seconds = 1, .audio = {"ac3"}});
   return test::AuthorDisc(dir, R"(<dvdauthor dest="out">
-  <vmgm><menus><video format="pal" aspect="16:9"/></menus><fpc>jump title 2;</fpc></vmgm>
+  <vmgm>
+    <menus><video format="pal" aspect="16:9"/>
+      <pgc entry="title"><vob file="menu.mpg"/><post>jump title 1;</post></pgc></menus>
+    <fpc>jump title 2;</fpc>
+  </vmgm>
   <titleset>
     <titles>
       <video format="pal" aspect="16:9" widescreen="nopanscan"/>

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <tuple>
 
 #include "disc/disc_test_support.h"
@@ -107,6 +108,10 @@ const std::vector<Case>& Cases() {
       {"pgc-cell-position", {AtTable("pgc.cell-position", kVts, "VTS_PGCIT", 1)}},
       {"pgc-links", {AtTable("pgc.links", kVts, "VTS_PGCIT", 1)}},
       {"pgc-command", {AtTable("pgc.command", kVts, "VTS_PGCIT", 1)}},
+      // Pre command 3 of the title chain (3 pre and 1 post commands): "g0 = 0; LinkPGCN 5"
+      // with 1 chain in VTS_PGCIT, then a link highlighting button 40 (at most 36).
+      {"pgc-command-set-link", {AtTable("pgc.command", kVts, "VTS_PGCIT", 1)}},
+      {"pgc-command-sub-link", {AtTable("pgc.command", kVts, "VTS_PGCIT", 1)}},
       {"pgc-time", {AtTable("pgc.time", kVts, "VTS_PGCIT", 1)}},
       {"pgc-stream-control", {AtTable("pgc.stream-control", kVts, "VTS_PGCIT", 1)}},
       {"c-adt-vob-count", {AtTable("c_adt.order", kVts, "VTS_C_ADT")}},
@@ -127,6 +132,10 @@ const std::vector<Case>& Cases() {
       {"nav-next-vobu", {AtRecord("nav.next-vobu", kVob, 30)}},
       {"nav-previous-vobu", {AtRecord("nav.previous-vobu", kVob, 77)}},
       {"button-command", {AtRecord("nav.button-command", "VTS_01_0.VOB", 0)}},
+      // The root menu's navigation pack at 0 has 2 buttons; its chain's language unit holds
+      // 2 chains: chain 32767 and button 3 are not there.
+      {"button-command-set-link", {AtRecord("nav.button-command", "VTS_01_0.VOB", 0)}},
+      {"button-command-highlight", {AtRecord("nav.button-command", "VTS_01_0.VOB", 0)}},
       {"nav-cell", {AtRecord("nav.cell", kVob, 470)}},
       {"vobu-length", {AtRecord("nav.vobu-length", kVob, 30)}},
       {"mux-rate", {AtRecord("vob.mux-rate", kVob, 40)}},
@@ -249,6 +258,24 @@ TEST(Verify, JsonParsesBackWithTheFixedKeys) {
   EXPECT_EQ(j["findings"][1]["table"], "VTS_VOBU_ADMAP");
   EXPECT_EQ(j["findings"][1]["entry"], 4);
   EXPECT_TRUE(j["findings"][1]["sector"].is_null());
+}
+
+// The README's table of checks says what --list-checks says, row by row.
+TEST(Verify, ReadmeTableIsTheListOfChecks) {
+  std::vector<std::string> expected, rows;
+  for (const CheckInfo& c : AllChecks()) {
+    expected.push_back(std::string("| `") + c.id + "` | " + SeverityName(c.severity) + " | " +
+                       c.explanation + " |");
+  }
+  std::istringstream readme(test::ReadFileText(std::string(TARVEX_SOURCE_DIR) + "/README.md"));
+  for (std::string line; std::getline(readme, line);) {
+    for (const char* severity : {"` | error | ", "` | warning | ", "` | info | "}) {
+      if (line.rfind("| `", 0) == 0 && line.find(severity) != std::string::npos) {
+        rows.push_back(line);
+      }
+    }
+  }
+  EXPECT_EQ(rows, expected);
 }
 
 TEST(Verify, EveryCheckHasAnIdSeverityAndExplanation) {
