@@ -1,5 +1,6 @@
 // Feeds arbitrary bytes to the program-stream record decoders: classification, the listing in
-// both modes, the hex view and the details of every record, and the paging commands.
+// both modes, the hex view and the details of every record, the coding headers verify reads
+// from a record, and the paging commands.
 //
 // Input: one control byte, then the file's bytes (at most 4 records and a partial one).
 // Control bits: 0 basic listing, 1 open as M2P instead of VOB, 2 stamp every record with a
@@ -17,6 +18,7 @@
 
 #include "platform/scripted_ui.h"
 #include "state/context.h"
+#include "stream/coding_headers.h"
 #include "stream/details.h"
 #include "stream/hex_view.h"
 #include "stream/listing.h"
@@ -70,6 +72,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     ByteView record(bytes.data() + std::min(at, bytes.size()),
                     at < bytes.size() ? std::min<std::size_t>(2048, bytes.size() - at) : 0);
     GetSectorType(record, ctx.stream.stream_number);
+    FindStreamCoding(record);
   }
   ListPage(ctx, 0, records);
   for (std::uint32_t r = 0; r < records; ++r) {

@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "platform/format.h"
+#include "stream/coding_headers.h"
 #include "stream/pack_header.h"
 #include "stream/pes_header.h"
 
@@ -121,17 +122,14 @@ const char* ChannelsLine(std::uint32_t code) {
 
 void ShowLpcm(AppContext& ctx, ByteView record, std::size_t p, std::int64_t file_address) {
   ShowPrivateAudioHeader(ctx, record, p, file_address);
-  const std::uint8_t b4 = record.u8(p + 4), b5 = record.u8(p + 5);
-  ctx.AddReportLine(Format("    audio_emphasis_flag %x", {b4 >> 7}));
-  ctx.AddReportLine(Format("    audio_mute_flag %x", {(b4 >> 6) & 1}));
-  ctx.AddReportLine(Format("    audio_frame_number %d", {b4 & 0x1F}));
-  const std::uint32_t quantization = b5 >> 6;
-  const std::uint32_t frequency = (b5 >> 4) & 3;
-  const std::uint32_t channels = b5 & 7;
-  ctx.AddReportLine(Format(QuantizationLine(quantization), {quantization}));
-  ctx.AddReportLine(Format(FrequencyLine(frequency), {frequency}));
-  ctx.AddReportLine(Format(ChannelsLine(channels), {channels}));
-  ctx.AddReportLine(Format("    dynamic_range %d", {record.u8(p + 6)}));
+  const LpcmHeader h = ReadLpcmHeader(record.sub(p));
+  ctx.AddReportLine(Format("    audio_emphasis_flag %x", {h.emphasis}));
+  ctx.AddReportLine(Format("    audio_mute_flag %x", {h.mute}));
+  ctx.AddReportLine(Format("    audio_frame_number %d", {h.frame_number}));
+  ctx.AddReportLine(Format(QuantizationLine(h.quantization), {h.quantization}));
+  ctx.AddReportLine(Format(FrequencyLine(h.frequency_code), {h.frequency_code}));
+  ctx.AddReportLine(Format(ChannelsLine(h.channels_code), {h.channels_code}));
+  ctx.AddReportLine(Format("    dynamic_range %d", {h.dynamic_range}));
   ctx.AddReportLine(
       Format("    first sample: %02x%02x %02x%02x",
              {record.u8(p + 7), record.u8(p + 8), record.u8(p + 9), record.u8(p + 10)}));
@@ -157,34 +155,29 @@ void ShowMpegAudio(AppContext& ctx, ByteView record, std::size_t p) {
   // the record; the header is then read from there on, where every byte reads as 0.
   std::size_t at = p;
   while (at < kRecordEnd && !(record.u8(at) == 0xFF && (record.u8(at + 1) & 0xF0) == 0xF0)) ++at;
-  const std::uint8_t second = record.u8(at + 1), third = record.u8(at + 2);
-  const std::uint32_t layer = (second >> 1) & 3;
-  const std::uint32_t index = third >> 4;
-  const std::uint32_t selector = (third >> 2) & 3;
-  ctx.AddReportLine(Format("    ID %x ", {(second >> 3) & 1}));
-  ctx.AddReportLine(Format("    Layer %x ", {layer}));
-  ctx.AddReportLine(Format("    Protection bit %x ", {second & 1}));
-  ctx.AddReportLine(Format("    Bitrate index %d ", {index}));
-  const std::int32_t rate = MpegBitRate(layer, index);
+  const MpegAudioHeader h = ReadMpegAudioHeader(record.sub(at));
+  ctx.AddReportLine(Format("    ID %x ", {h.id}));
+  ctx.AddReportLine(Format("    Layer %x ", {h.layer}));
+  ctx.AddReportLine(Format("    Protection bit %x ", {h.protection}));
+  ctx.AddReportLine(Format("    Bitrate index %d ", {h.bitrate_index}));
+  const std::int32_t rate = MpegBitRate(h.layer, h.bitrate_index);
   if (rate == kNoRate) {
     ctx.AddReportLine("    Illegal audio bit rate index value");
   } else {
     ctx.AddReportLine(Format("    Bitrate %dK", {rate}));
   }
-  ctx.AddReportLine(Format("    sample_frequency selector %d ", {selector}));
-  ctx.AddReportLine(SampleFrequencyLine(selector));
+  ctx.AddReportLine(Format("    sample_frequency selector %d ", {h.frequency_index}));
+  ctx.AddReportLine(SampleFrequencyLine(h.frequency_index));
   ctx.AddReportLine(" ");
 }
 
 }  // namespace
 
 void CheckAc3Sync(AppContext& ctx, ByteView frame) {
-  if (frame.u8(0) != 0x0B || frame.u8(1) != 0x77) {
-    ctx.AddReportLine("**** No Sync Word at offset location in sector");
-  }
-  const std::uint8_t code = frame.u8(4);
+  const Ac3Frame f = ReadAc3Frame(frame);
+  if (!f.sync) ctx.AddReportLine("**** No Sync Word at offset location in sector");
   ctx.AddReportLine(Format("    Sample rate %dK, Bit rate %dK",
-                           {Ac3SampleRate(code >> 6), Ac3BitRate(code & 0x3F)}));
+                           {Ac3SampleRate(f.fscod), Ac3BitRate(f.frmsizecod)}));
 }
 
 void ShowAudioPackDetails(AppContext& ctx, ByteView record, std::int64_t file_address) {

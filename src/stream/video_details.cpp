@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "platform/format.h"
+#include "stream/coding_headers.h"
 
 namespace tarvex {
 
@@ -12,7 +13,6 @@ namespace {
 constexpr std::uint32_t kSequenceHeaderCode = 0x1B3;
 constexpr std::uint32_t kExtensionStartCode = 0x1B5;
 constexpr std::uint32_t kPictureStartCode = 0x100;
-constexpr std::uint8_t kSequenceExtensionId = 0x1;
 constexpr std::uint8_t kPictureCodingExtensionId = 0x8;
 
 // The first byte offset (relative to the payload start) where a sequence extension is sought.
@@ -129,35 +129,27 @@ void ShowSetLine(AppContext& ctx, const char* name, bool set) {
 }
 
 void ShowSequenceHeader(AppContext& ctx, ByteView payload) {
-  const std::uint32_t b4 = payload.u8(4), b5 = payload.u8(5), b6 = payload.u8(6);
-  const std::uint32_t b7 = payload.u8(7), b8 = payload.u8(8), b9 = payload.u8(9);
-  const std::uint32_t b10 = payload.u8(10), b11 = payload.u8(11);
-  const std::uint32_t width = b4 * 16 + (b5 >> 4);
-  const std::uint32_t height = (b5 & 15) * 256 + b6;
-  const std::uint32_t aspect = b7 >> 4;
-  const std::uint32_t frame_rate = b7 & 15;
-  const std::uint32_t bit_rate = b8 * 1024 + b9 * 4 + (b10 >> 6);  // units of 400 bit/s
-  const std::uint32_t vbv = (b10 & 31) * 32 + (b11 >> 3);          // units of 1024 bytes
-
+  const SequenceHeader h = ReadSequenceHeader(payload);
   ctx.AddReportLine(Format("video sequence_header_code %lx", {payload.be32(0)}));
-  ctx.AddReportLine(Format("    horizontal_size_value width %ld", {width}));
-  ctx.AddReportLine(Format("    vertical_size_value height %ld", {height}));
-  ctx.AddReportLine(Format(AspectRatioLine(aspect), {aspect}));
-  ctx.AddReportLine(Format(FrameRateLine(frame_rate), {frame_rate}));
-  ctx.AddReportLine(Format("    bit_rate_value %ld, %ldbps", {bit_rate, bit_rate * 400}));
-  ctx.AddReportLine(Format("    vbv_buffer_size_value %ld, %ld bytes", {vbv, vbv * 1024}));
+  ctx.AddReportLine(Format("    horizontal_size_value width %ld", {h.width}));
+  ctx.AddReportLine(Format("    vertical_size_value height %ld", {h.height}));
+  ctx.AddReportLine(Format(AspectRatioLine(h.aspect_ratio), {h.aspect_ratio}));
+  ctx.AddReportLine(Format(FrameRateLine(h.frame_rate), {h.frame_rate}));
+  // bit_rate_value counts 400 bit/s; vbv_buffer_size_value is shown in units of 1024 bytes.
+  ctx.AddReportLine(Format("    bit_rate_value %ld, %ldbps", {h.bit_rate, h.bit_rate * 400}));
+  ctx.AddReportLine(
+      Format("    vbv_buffer_size_value %ld, %ld bytes", {h.vbv_buffer, h.vbv_buffer * 1024}));
 }
 
 void ShowSequenceExtension(AppContext& ctx, ByteView payload) {
   for (std::size_t i = kScanStart; i <= kSequenceExtensionLast; ++i) {
-    if (!IsExtension(payload, i, kSequenceExtensionId)) continue;
-    const std::uint8_t profile = payload.u8(i + 4) & 0x0F;
-    const std::uint8_t level_byte = payload.u8(i + 5);
+    const std::optional<SequenceExtension> e = ReadSequenceExtension(payload.sub(i));
+    if (!e) continue;
     ctx.AddReportLine("  SEQUENCE_EXTENSION");
-    std::string line = ProfileText(profile);
-    line += LevelText(level_byte >> 4);
+    std::string line = ProfileText(e->profile);
+    line += LevelText(e->level_byte >> 4);
     ctx.AddReportLine(line);
-    ShowSetLine(ctx, "progressive_sequence", (level_byte & 0x08) != 0);
+    ShowSetLine(ctx, "progressive_sequence", e->progressive);
     return;
   }
 }
