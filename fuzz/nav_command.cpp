@@ -1,5 +1,6 @@
-// Fuzz harness: the navigation command reading on any 8 bytes, and the navigation pack view on
-// any record (a PCI length from the data may put the DSI block anywhere).
+// Fuzz harness: the navigation command reading and the reader of its target on any 8 bytes,
+// and the navigation pack view on any record (a PCI length from the data may put the DSI block
+// anywhere).
 #include "ifo/nav_command.h"
 
 #include <cstddef>
@@ -18,6 +19,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   for (std::size_t off = 0; off < size && off < 64 * 8; off += 8) {
     std::string text = DescribeNavCommand(input.sub(off, 8));
     if (text.empty()) __builtin_trap();  // every command has a reading
+    NavTarget target = ReadNavTarget(input.sub(off, 8));
+    if (target.button > 63 || target.set_button > 63) __builtin_trap();  // six bits
   }
 
   // The input as one record, as the details view reads it: exactly 2048 bytes, the rest zero.
