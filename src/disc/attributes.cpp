@@ -70,7 +70,10 @@ VideoAttributes DecodeVideoAttributes(ByteView two) {
   bool pal = format == 1;
   v.frame_rate = pal ? 25.0 : 29.97;
   std::uint32_t full = pal ? 576 : 480;
-  switch ((b1 >> 2) & 3) {
+  // Byte 1: line 21 closed captions (bits 7-6), a reserved bit, the source picture resolution
+  // (bits 5-3), letterboxed (bit 2), a reserved bit, film (bit 0).
+  v.resolution = (b1 >> 3) & 7;
+  switch (v.resolution) {
     case 0:
       v.width = 720;
       v.height = full;
@@ -83,12 +86,14 @@ VideoAttributes DecodeVideoAttributes(ByteView two) {
       v.width = 352;
       v.height = full;
       break;
-    default:
+    case 3:
       v.width = 352;
       v.height = full / 2;
       break;
+    default:  // reserved
+      break;
   }
-  v.letterboxed = (b1 & 2) != 0;
+  v.letterboxed = (b1 & 4) != 0;
   v.film = (b1 & 1) != 0;
   return v;
 }

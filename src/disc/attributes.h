@@ -29,9 +29,10 @@ PlaybackTime DecodePlaybackTime(ByteView four);
 
 struct VideoAttributes {
   bool mpeg2 = true;
-  const char* standard = "NTSC";  // "NTSC" or "PAL" (other codes: "?")
-  const char* aspect = "4:3";     // "4:3", "16:9" or "?"
-  std::uint32_t width = 0, height = 0;
+  const char* standard = "NTSC";        // "NTSC" or "PAL" (other codes: "?")
+  const char* aspect = "4:3";           // "4:3", "16:9" or "?"
+  std::uint8_t resolution = 0;          // 0 720, 1 704, 2 352, 3 352 by half the lines
+  std::uint32_t width = 0, height = 0;  // 0 for a reserved resolution code
   double frame_rate = 29.97;
   bool letterboxed = false;
   bool film = false;

@@ -147,10 +147,25 @@ TEST(Attributes, VideoAttributes) {
   EXPECT_STREQ(v.aspect, "16:9");
   EXPECT_EQ(v.height, 576u);
   EXPECT_DOUBLE_EQ(v.frame_rate, 25.0);
-  const std::uint8_t half[] = {0x40, 0x0C};  // NTSC 352x240
+  // Byte 1: the resolution in bits 5-3, letterboxed in bit 2, film in bit 0.
+  const std::uint8_t half[] = {0x40, 0x18};  // NTSC 352x240
   v = DecodeVideoAttributes(ByteView(half, 2));
   EXPECT_EQ(v.width, 352u);
   EXPECT_EQ(v.height, 240u);
+  EXPECT_FALSE(v.letterboxed);
+  const std::uint8_t pal_704[] = {0x5C, 0x08};  // as dvdauthor writes 704x576
+  v = DecodeVideoAttributes(ByteView(pal_704, 2));
+  EXPECT_EQ(v.width, 704u);
+  EXPECT_EQ(v.height, 576u);
+  const std::uint8_t letterboxed[] = {0x50, 0x15};  // PAL 352x576, letterboxed, film
+  v = DecodeVideoAttributes(ByteView(letterboxed, 2));
+  EXPECT_EQ(v.width, 352u);
+  EXPECT_TRUE(v.letterboxed);
+  EXPECT_TRUE(v.film);
+  const std::uint8_t reserved[] = {0x40, 0x20};  // resolution code 4
+  v = DecodeVideoAttributes(ByteView(reserved, 2));
+  EXPECT_EQ(v.resolution, 4);
+  EXPECT_EQ(v.width, 0u);
 }
 
 }  // namespace
