@@ -375,6 +375,65 @@ def stream_undeclared(d):
     return f'stream.undeclared {name}@{r}'
 
 
+def video_attributes(d):
+    # Every sequence header of the title VOBs 16 pixels narrower (verify compares the first
+    # complete one).
+    changed = 0
+    for name in d.title_vobs():
+        for r, pack in enumerate(d.records(name)):
+            if pack[14:17] != b'\0\0\1' or not 0xE0 <= pack[17] <= 0xEF:
+                continue
+            at = pack.find(b'\0\0\1\xb3', 23 + pack[22])
+            if at < 0 or at + 6 > SECTOR:
+                continue
+            width = ((pack[at + 4] << 4) | (pack[at + 5] >> 4)) - 16
+            d.patch(name, r * SECTOR + at + 4,
+                    [(width >> 4) & 0xFF, ((width & 15) << 4) | (pack[at + 5] & 15)])
+            changed += 1
+    if changed == 0:
+        raise Unfit('the title VOBs hold no sequence header')
+    return f'stream.video-attributes {VTS}:VTSI_MAT'
+
+
+def available_audio(d, codings):
+    """The offset in VTSI_MAT of the first declared title audio stream of one of the codings
+    that the title chain makes available and whose packs are in the title VOBs."""
+    present = d.stream_ids()
+    for i in range(min(d.u(VTS, 0x203, 1), 8)):
+        at = 0x204 + 8 * i
+        coding = d.u(VTS, at, 1) >> 5
+        control = d.u(VTS, d.chain() + 0x0C + 2 * i, 2)
+        if (coding in codings and control & 0x8000
+                and AUDIO_BASE[coding] + ((control >> 8) & 7) in present):
+            return at
+    raise Unfit('no declared audio stream of the codings the case needs plays')
+
+
+def title_attribute(d, at, value):
+    """A byte of VTSI_MAT's title attributes, and of its copy in VTS_ATRT (record 1: 8 bytes,
+    then VTSI_MAT from 0x100 on)."""
+    d.ifo(VTS, at, [value])
+    atrt = d.table(VMG, 0xD0)
+    d.ifo(VMG, atrt + d.u(VMG, atrt + 8, 4) + 8 + at - 0x100, [value])
+
+
+def audio_attributes(d):
+    # An AC-3, MPEG or LPCM stream's sampling frequency (bits 5-4 of byte 1): 48 <-> 96 kHz.
+    at = available_audio(d, (0, 2, 3, 4)) + 1
+    old = d.u(VTS, at, 1)
+    title_attribute(d, at, (old & 0xCF) | (0x10 if (old & 0x30) == 0 else 0))
+    return f'stream.audio-attributes {VTS}:VTSI_MAT'
+
+
+def audio_channels(d):
+    # An AC-3, MPEG-1 or DTS stream's channels (bits 2-0 of byte 1, less one): one more (one
+    # less from 8).
+    at = available_audio(d, (0, 2, 6)) + 1
+    old = d.u(VTS, at, 1)
+    title_attribute(d, at, (old & 0xF8) | ((old & 7) + 1 if (old & 7) < 7 else 6))
+    return f'stream.audio-channels {VTS}:VTSI_MAT'
+
+
 def admap_navpack(d):
     at = d.table(VTS, 0xE4) + 4 + 4 * 3
     d.ifo(VTS, at, be32(d.u(VTS, at, 4) + 1))
@@ -590,6 +649,13 @@ CASES = {
     'stream-undeclared': ('the first MPEG audio pack (else AC-3) takes an id three on that no '
                           'pack has', stream_undeclared),
     'stream-count': ('VTSI_MAT: 9 audio streams declared', stream_count),
+    'video-attributes': ('every sequence header of the title VOBs 16 pixels narrower',
+                         video_attributes),
+    'audio-attributes': ('VTSI_MAT and VTS_ATRT: the first title AC-3, MPEG or LPCM audio '
+                         'stream that plays declared at the other sampling frequency (48/96 kHz)',
+                         audio_attributes),
+    'audio-channels': ('VTSI_MAT and VTS_ATRT: the first title AC-3, MPEG-1 or DTS audio '
+                       'stream that plays declared with one channel more', audio_channels),
 }
 
 

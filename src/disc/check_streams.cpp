@@ -33,7 +33,7 @@ std::string Language(const std::optional<std::string>& language) {
 // Declared streams against those found in one chain's cells; marks the ids the chain maps to.
 void CheckChainStreams(const DomainChain& chain, const StreamDeclarations& declared,
                        const StreamPresence& found, const VobSetNames& names,
-                       std::bitset<256>& mapped, Findings& out) {
+                       std::bitset<256>& mapped, AudioIds& audio, Findings& out) {
   const Pgc& pgc = *chain.pgc;
   std::optional<std::bitset<256>> present = ChainStreams(pgc, found);
   auto missing = [&](const std::string& what) {
@@ -46,6 +46,7 @@ void CheckChainStreams(const DomainChain& chain, const StreamDeclarations& decla
     auto id = n ? AudioStreamId(a.coding, *n) : std::nullopt;
     if (!id) continue;
     mapped.set(*id);
+    audio.insert({i, *id});
     if (present && !(*present)[*id]) {
       missing(Format("audio stream %d (%s, %s) plays as %s",
                      {i + 1, a.format, Language(a.language), StreamIdText(*id)}));
@@ -70,8 +71,10 @@ void CheckStreams(const Disc&, const std::vector<DomainChain>& chains,
                   const VobSetNames& names, Findings& out) {
   if (!found.scanned) return;
   std::bitset<256> mapped;
+  AudioIds audio;
   for (const DomainChain& chain : chains) {
-    if (!chain.pgc->cells.empty()) CheckChainStreams(chain, declared, found, names, mapped, out);
+    if (chain.pgc->cells.empty()) continue;
+    CheckChainStreams(chain, declared, found, names, mapped, audio, out);
   }
   int videos = 0;
   for (std::uint32_t id = 0; id < 256; ++id) {
@@ -87,6 +90,7 @@ void CheckStreams(const Disc&, const std::vector<DomainChain>& chains,
                           {IsAudio(id) ? "audio" : "sub-picture", StreamIdText(id)}));
     }
   }
+  CheckCodings(declared, audio, found, names, out);
 }
 
 }  // namespace tarvex

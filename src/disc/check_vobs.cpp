@@ -20,6 +20,7 @@ constexpr std::uint32_t kMinVobuTicks = 36000;  // 0.4 s at 90 kHz
 constexpr std::uint32_t kMaxVobuTicks = 90000;  // 1.0 s
 constexpr std::uint32_t kMaxButtons = 36;       // button entries of a PCI
 constexpr std::size_t kMaxCells = 65536;        // VOB id and cell id pairs kept
+constexpr std::uint8_t kCodingTries = 64;       // packs searched for a stream's coding header
 
 std::uint64_t ScrTicks(ByteView pack) {
   std::uint64_t b4 = pack.u8(4), b5 = pack.u8(5), b6 = pack.u8(6), b7 = pack.u8(7), b8 = pack.u8(8),
@@ -139,13 +140,28 @@ class VobSetScanner {
       std::optional<std::uint8_t> sub = PrivateStreamOneId(pack);
       if (sub && IsDvdSubstream(*sub)) {
         Present(*sub, file, record);
+        NoteCoding(*sub, pack, file, record);
       } else {
         out_.AtRecord("vob.pack", file, record,
                       Format("a pack of no DVD-Video stream (start code %08x)", {pack.be32(14)}));
       }
     } else if (type != kSectorPadding) {
       Present(stream & 0xFF, file, record);
+      NoteCoding(stream & 0xFF, pack, file, record);
     }
+  }
+
+  // The coding of each video and audio stream, from the first of its packs that holds a
+  // complete header; a stream without one in its first kCodingTries packs is left uncompared.
+  void NoteCoding(std::uint32_t id, ByteView pack, const std::string& file, std::uint64_t record) {
+    bool coded = (id >= 0xE0 && id <= 0xEF) || (id >= 0xC0 && id <= 0xDF) ||
+                 (id >= 0x80 && id <= 0x8F) || (id >= 0xA0 && id <= 0xA7);
+    if (!coded || coding_tries_[id] >= kCodingTries) return;
+    ++coding_tries_[id];
+    std::optional<StreamCoding> c = FindStreamCoding(pack);
+    if (!c || c->stream != id) return;
+    coding_tries_[id] = kCodingTries;
+    presence_.codings[static_cast<std::uint8_t>(id)] = {*c, {file, record}};
   }
 
   // The distinct button commands of each cell, for the checks of their targets.
@@ -312,7 +328,8 @@ class VobSetScanner {
   std::uint64_t high_mux_packs_ = 0;
   std::pair<std::uint64_t, std::uint32_t> high_mux_;  // the first such pack: record, rate
   std::set<std::pair<std::pair<std::uint16_t, std::uint8_t>, NavCommand>> seen_buttons_;
-  std::vector<const CellAddress*> by_sector_;  // the cell address table by first sector
+  std::vector<const CellAddress*> by_sector_;     // the cell address table by first sector
+  std::array<std::uint8_t, 256> coding_tries_{};  // packs read for each stream's coding
 };
 
 }  // namespace

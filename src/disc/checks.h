@@ -12,15 +12,18 @@
 
 #include "disc/findings.h"
 #include "disc/model.h"
+#include "stream/coding_headers.h"
 
 namespace tarvex {
 
 // The names a VOB set's findings use: its IFO and its tables.
 struct VobSetNames {
-  std::string ifo;     // "VTS_01_0.IFO"
-  const char* c_adt;   // "VTS_C_ADT"
-  const char* admap;   // "VTS_VOBU_ADMAP"
-  const char* chains;  // "VTS_PGCIT" or a menu unit table
+  std::string ifo;         // "VTS_01_0.IFO"
+  const char* c_adt;       // "VTS_C_ADT"
+  const char* admap;       // "VTS_VOBU_ADMAP"
+  const char* chains;      // "VTS_PGCIT" or a menu unit table
+  const char* attributes;  // the table that declares the set's streams: "VTSI_MAT", "VMGI_MAT"
+  const char* domain;      // "title" or "menu"
   // Cells whose VOBUs interleave with others (angle blocks): their VOBU end addresses and
   // next-VOBU pointers do not name the next navigation pack in the file.
   std::set<std::pair<std::uint16_t, std::uint8_t>> interleaved;
@@ -85,7 +88,17 @@ struct StreamPresence {
   // kMaxButtonCommands in all).
   std::vector<ButtonCommand> buttons;
   static constexpr std::size_t kMaxButtonCommands = 4096;
+  // The coding of each video and audio stream, from its first complete header.
+  struct Coded {
+    StreamCoding coding;
+    Where where;
+  };
+  std::map<std::uint8_t, Coded> codings;
 };
+
+// The declared audio streams and the ids their chains' control makes them play through:
+// (declared stream from 0, stream id).
+using AudioIds = std::set<std::pair<std::size_t, std::uint8_t>>;
 
 void CheckFiles(const Disc& disc, Findings& out);
 void CheckInformationTables(const Disc& disc, Findings& out);
@@ -101,5 +114,8 @@ StreamPresence ScanVobSet(const Disc& disc, const VobSet& set, const VobSetNames
 void CheckStreams(const Disc& disc, const std::vector<DomainChain>& chains,
                   const StreamDeclarations& declared, const StreamPresence& found,
                   const VobSetNames& names, Findings& out);
+// Declared video and audio attributes against the codings found.
+void CheckCodings(const StreamDeclarations& declared, const AudioIds& audio,
+                  const StreamPresence& found, const VobSetNames& names, Findings& out);
 
 }  // namespace tarvex

@@ -85,6 +85,15 @@ constexpr CheckInfo kChecks[] = {
      "a declared stream that its program chain's control maps to an id found in none of the "
      "chain's cells"},
     {"stream.undeclared", E, "a stream in the VOBs that no declaration and control maps to"},
+    {"stream.video-attributes", E,
+     "declared video (MPEG version, resolution, the frame rate of its TV standard, aspect "
+     "ratio) that differs from the first sequence header of its VOBs"},
+    {"stream.audio-attributes", E,
+     "a declared audio stream whose sampling frequency (for LPCM also quantization and "
+     "channels) differs from the first header of the stream it plays as"},
+    {"stream.audio-channels", W,
+     "a declared AC-3, DTS or MPEG-1 audio stream whose channel count differs from the first "
+     "header of the stream it plays as"},
     {"stream.count", E,
      "stream counts: at most 8 audio and 32 sub-picture streams, one video stream"},
 };

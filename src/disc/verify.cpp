@@ -95,17 +95,20 @@ VerifyResult VerifyDisc(const Disc& disc, const VerifyOptions& options) {
       vmgm.push_back({&*disc.vmg.first_play,
                       disc.vmg.menus.empty() ? 0 : disc.vmg.menus.front().pgcs.size(), ""});
     }
-    ScanSet(disc, disc.vmg.menu_vobs,
-            {"VIDEO_TS.IFO", "VMGM_C_ADT", "VMGM_VOBU_ADMAP", "VMGM_PGCI_UT", {}}, vmgm, nullptr,
-            disc.vmg.menu, out);
+    ScanSet(
+        disc, disc.vmg.menu_vobs,
+        {"VIDEO_TS.IFO", "VMGM_C_ADT", "VMGM_VOBU_ADMAP", "VMGM_PGCI_UT", "VMGI_MAT", "menu", {}},
+        vmgm, nullptr, disc.vmg.menu, out);
     for (const TitleSet& ts : disc.title_sets) {
       if (!ts.present) continue;
-      ScanSet(disc, ts.menu_vobs,
-              {ts.ifo_name, "VTSM_C_ADT", "VTSM_VOBU_ADMAP", "VTSM_PGCI_UT", {}},
-              MenuChains(ts.menus), &ts, ts.menu, out);
+      ScanSet(
+          disc, ts.menu_vobs,
+          {ts.ifo_name, "VTSM_C_ADT", "VTSM_VOBU_ADMAP", "VTSM_PGCI_UT", "VTSI_MAT", "menu", {}},
+          MenuChains(ts.menus), &ts, ts.menu, out);
       std::vector<DomainChain> titles;
       for (const Pgc& pgc : ts.pgcs) titles.push_back({&pgc, ts.pgcs.size(), ""});
-      ScanSet(disc, ts.title_vobs, {ts.ifo_name, "VTS_C_ADT", "VTS_VOBU_ADMAP", "VTS_PGCIT", {}},
+      ScanSet(disc, ts.title_vobs,
+              {ts.ifo_name, "VTS_C_ADT", "VTS_VOBU_ADMAP", "VTS_PGCIT", "VTSI_MAT", "title", {}},
               titles, &ts, ts.title, out, true);
     }
   }

@@ -52,7 +52,8 @@ void MakeClip(const TempDir& dir, const ClipSpec& clip) {
     command += " -f lavfi -i sine=frequency=" + std::to_string(300 + 100 * i) +
                ":sample_rate=48000:duration=" + seconds;
     maps += " -map " + std::to_string(i + 1) + ":a";
-    codecs += " -c:a:" + n + " " + clip.audio[i] + " -ac:a:" + n + " 2";
+    int channels = i < clip.channels.size() ? clip.channels[i] : 2;
+    codecs += " -c:a:" + n + " " + clip.audio[i] + " -ac:a:" + n + " " + std::to_string(channels);
     if (clip.audio[i] == "pcm_dvd") codecs += " -sample_fmt:a:" + n + " s16";
     if (clip.audio[i] == "dca") codecs += " -strict -2";
   }
@@ -104,6 +105,7 @@ const std::string& WidePalDisc() {
     MakeClip(dir, {.file = "wide.mpg",
                    .wide = true,
                    .audio = {"ac3", "dca"},
+                   .channels = {2, 6},
                    .renumber = {{0x88, 0x89}},
                    .subpictures = {4, 17}});
     return AuthorDisc(dir, R"(<dvdauthor dest="out">

@@ -22,6 +22,8 @@ struct ClipSpec {
   // ffmpeg's encoder of each audio stream: "ac3", "mp2", "pcm_dvd" (16-bit LPCM), "dca" (DTS).
   // ffmpeg numbers them 0x80, 0x81... (AC-3), 0xC0... (MPEG), 0xA0... (LPCM), 0x88... (DTS).
   std::vector<std::string> audio{};
+  // The channels of each audio stream (2 where this gives none).
+  std::vector<int> channels{};
   // Stream ids to change after the encoding (private stream 1 sub-stream ids 0x80-0xBF,
   // stream ids otherwise): dvdauthor numbers a declared stream by its id.
   std::vector<std::pair<std::uint8_t, std::uint8_t>> renumber{};
@@ -42,8 +44,8 @@ std::string AuthorDisc(const TempDir& dir, const std::string& xml);
 // Two discs authored once per test run (their folders live until the run ends):
 //
 // PAL 16:9 (letterbox permitted, no pan-scan), one title of 2 s: AC-3 "en" as 0x80 and DTS
-// "nl" as 0x89 (DTS stream 1); one sub-picture stream "en" playing as 0x24 on a wide screen
-// and as 0x31 in letterbox.
+// 5.1 "nl" as 0x89 (DTS stream 1; dvdauthor declares every DTS stream 6 channels); one sub-picture
+// stream "en" playing as 0x24 on a wide screen and as 0x31 in letterbox.
 const std::string& WidePalDisc();
 // NTSC 4:3, one title set of two titles and a video manager menu in two language units ("en"
 // and "fr", 1 s each, MPEG audio 0xC0). Title 1 (3 s): AC-3 0x80 and sub-picture 0x20; its

@@ -75,6 +75,32 @@ TEST_F(AuthoredVerify, SubpictureNumbersOfDisplaysNotPermittedMapNoStream) {
             "sub-picture stream 1 (en, wide) plays as 0x24, which none of the chain's cells holds");
 }
 
+// dvdauthor declares MPEG audio 2 channels whatever its frames say: a mono stream gives the
+// channel warning, and nothing else is wrong.
+TEST_F(AuthoredVerify, MonoMpegAudioDeclaredStereoIsAChannelWarning) {
+  test::TempDir dir;
+  test::MakeClip(dir, {.file = "mono.mpg", .seconds = 1, .audio = {"mp2"}, .channels = {1}});
+  std::string disc = test::AuthorDisc(dir, R"(<dvdauthor dest="out">
+  <vmgm><menus><video format="pal" aspect="4:3"/></menus></vmgm>
+  <titleset><titles>
+    <video format="pal" aspect="4:3"/><audio lang="en"/><pgc><vob file="mono.mpg"/></pgc>
+  </titles></titleset>
+</dvdauthor>
+)");
+  ASSERT_FALSE(disc.empty());
+  VerifyResult r = Verify(disc);
+  EXPECT_EQ(Places(r), (std::vector<std::string>{"stream.audio-channels VTS_01_0.IFO:VTSI_MAT"}))
+      << VerifyText(r);
+  ASSERT_EQ(r.findings.size(), 1u);
+  EXPECT_EQ(r.findings[0].severity, Severity::kWarning);
+  const std::string& m = r.findings[0].message;
+  EXPECT_TRUE(
+      m.starts_with("title audio stream 1 (mpeg1, en) as 0xc0: declared 2 channels; the "
+                    "stream (VTS_01_1.VOB record "))
+      << m;
+  EXPECT_TRUE(m.ends_with(") has 1 channel")) << m;
+}
+
 TEST_F(AuthoredVerify, TwoTitlesAndTwoMenuLanguagesVerifyClean) {
   VerifyResult r = Verify(test::NtscTwoTitleDisc());
   EXPECT_TRUE(r.findings.empty()) << VerifyText(r);

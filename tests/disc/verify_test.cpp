@@ -155,6 +155,11 @@ const std::vector<Case>& Cases() {
       {"stream-count",
        {AtTable("vts_atrt.attributes", kVmg, "VTS_ATRT", 1),
         AtTable("stream.count", kVts, "VTSI_MAT")}},
+      // The first sequence header (record 1) gives 704x480; VTSI_MAT declares 720x480.
+      {"video-attributes", {AtTable("stream.video-attributes", kVts, "VTSI_MAT")}},
+      // Audio stream 1, AC-3 48 kHz stereo as 0x80: declared 96 kHz, then 3 channels.
+      {"audio-attributes", {AtTable("stream.audio-attributes", kVts, "VTSI_MAT")}},
+      {"audio-channels", {AtTable("stream.audio-channels", kVts, "VTSI_MAT")}},
   };
   return kCases;
 }
