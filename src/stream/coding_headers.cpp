@@ -196,47 +196,40 @@ std::optional<StreamCoding> MpegAudioCoding(ByteView payload) {
   return std::nullopt;
 }
 
-// The access unit that a private stream 1 audio pack's first access unit pointer names: it
-// counts from the pointer's last byte, 3 bytes after the sub-stream id.
-std::optional<ByteView> FirstAccessUnit(ByteView payload, std::size_t header_bytes) {
+// The coding of the AC-3 or DTS frame that a private stream 1 audio pack's first access unit
+// pointer names (it counts from the pointer's last byte, 3 bytes after the sub-stream id),
+// when the pack holds its header.
+template <typename Frame>
+std::optional<StreamCoding> FrameCoding(ByteView payload, std::size_t header_bytes,
+                                        Frame (*read)(ByteView), StreamCoding::Kind kind) {
   std::uint32_t pointer = payload.be16(2);
   if (pointer == 0 || !payload.contains(3 + pointer, header_bytes)) return std::nullopt;
-  return payload.sub(3 + pointer);
+  Frame f = read(payload.sub(3 + pointer));
+  if (!f.sync) return std::nullopt;
+  StreamCoding c;
+  c.kind = kind;
+  c.frequency = f.frequency();
+  c.channels = f.channels();
+  return c;
 }
 
 std::optional<StreamCoding> PrivateAudioCoding(ByteView payload) {
   const std::uint8_t sub = payload.u8(0);
-  StreamCoding c;
-  c.stream = sub;
+  std::optional<StreamCoding> c;
   if (sub >= 0x80 && sub <= 0x87) {
-    auto frame = FirstAccessUnit(payload, kAc3HeaderBytes);
-    if (!frame) return std::nullopt;
-    Ac3Frame f = ReadAc3Frame(*frame);
-    if (!f.sync) return std::nullopt;
-    c.kind = StreamCoding::Kind::kAc3;
-    c.frequency = f.frequency();
-    c.channels = f.channels();
-    return c;
-  }
-  if (sub >= 0x88 && sub <= 0x8F) {
-    auto frame = FirstAccessUnit(payload, kDtsHeaderBytes);
-    if (!frame) return std::nullopt;
-    DtsFrame f = ReadDtsFrame(*frame);
-    if (!f.sync) return std::nullopt;
-    c.kind = StreamCoding::Kind::kDts;
-    c.frequency = f.frequency();
-    c.channels = f.channels();
-    return c;
-  }
-  if (sub >= 0xA0 && sub <= 0xA7 && payload.contains(0, kLpcmHeaderBytes)) {
+    c = FrameCoding(payload, kAc3HeaderBytes, ReadAc3Frame, StreamCoding::Kind::kAc3);
+  } else if (sub >= 0x88 && sub <= 0x8F) {
+    c = FrameCoding(payload, kDtsHeaderBytes, ReadDtsFrame, StreamCoding::Kind::kDts);
+  } else if (sub >= 0xA0 && sub <= 0xA7 && payload.contains(0, kLpcmHeaderBytes)) {
     LpcmHeader h = ReadLpcmHeader(payload);
-    c.kind = StreamCoding::Kind::kLpcm;
-    c.frequency = h.frequency();
-    c.channels = h.channels();
-    c.bits = h.bits();
-    return c;
+    c = StreamCoding{};
+    c->kind = StreamCoding::Kind::kLpcm;
+    c->frequency = h.frequency();
+    c->channels = h.channels();
+    c->bits = h.bits();
   }
-  return std::nullopt;
+  if (c) c->stream = sub;
+  return c;
 }
 
 }  // namespace
