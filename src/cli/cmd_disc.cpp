@@ -6,6 +6,7 @@
 #include "cli/cli.h"
 #include "disc/info.h"
 #include "disc/verify.h"
+#include "platform/format.h"
 
 namespace tarvex::cli {
 
@@ -18,11 +19,6 @@ constexpr const char* kDiscHelp =
 void Print(const std::string& text) {
   std::fwrite(text.data(), 1, text.size(), stdout);
   std::fflush(stdout);
-}
-
-// "1 error", "2 errors", "0 errors".
-std::string Counted(std::size_t n, const char* noun) {
-  return std::to_string(n) + " " + noun + (n == 1 ? "" : "s");
 }
 
 void PrintError(const std::string& command, const std::string& disc, const std::string& error) {

@@ -74,7 +74,7 @@ std::string FrequencyText(std::uint32_t hz) {
 }
 
 std::string ChannelsText(std::uint32_t channels) {
-  return Format(channels == 1 ? "%d channel" : "%d channels", {channels});
+  return Counted(channels, "channel");
 }
 
 void CheckAudio(std::size_t i, std::uint8_t id, const AudioAttributes& a,

@@ -184,9 +184,9 @@ class VobSetScanner {
     if (high_mux_packs_ == 0) return;
     out_.AtRecord("vob.mux-rate", file, high_mux_.first,
                   Format("program_mux_rate %d (%s bit/s), above 25200 (10.08 Mbit/s), in %s "
-                         "packs of this file from here on",
+                         "of this file from here on",
                          {high_mux_.second, std::to_string(std::uint64_t{high_mux_.second} * 400),
-                          std::to_string(high_mux_packs_)}));
+                          Counted(high_mux_packs_, "pack")}));
   }
 
   void Present(std::uint32_t id, const std::string& file, std::uint64_t record) {

@@ -337,9 +337,10 @@ void TitleText(std::string& out, const Disc& disc, const TitleEntry& t) {
   std::size_t cells = 0;
   for (const Pgc* p : chains) cells += p->cells.size();
   std::vector<CellSpan> chapters = Chapters(view);
-  out += Format("Title %d: title set %d, title %d, %s, %d chapters, %d cells, %d angles\n",
-                {t.number, t.title_set, t.title_in_set, MsText(ChainsMs(chains)), chapters.size(),
-                 cells, t.angles});
+  out += Format(
+      "Title %d: title set %d, title %d, %s, %s, %s, %s\n",
+      {t.number, t.title_set, t.title_in_set, MsText(ChainsMs(chains)),
+       Counted(chapters.size(), "chapter"), Counted(cells, "cell"), Counted(t.angles, "angle")});
   if (view.title_set == nullptr) {
     out += "  (its title set cannot be read)\n";
     return;
@@ -351,9 +352,9 @@ void TitleText(std::string& out, const Disc& disc, const TitleEntry& t) {
   for (std::size_t i = 0; i < s.audio.size(); ++i) {
     if (!ListsAudio(view.pgc, i)) continue;
     const AudioAttributes& a = s.audio[i];
-    out += Format("  Audio %d: %s %s, %d Hz, %d channels, %s\n",
-                  {i + 1, Language(a.language), a.format, a.frequency, a.channels,
-                   IdText(AudioId(a, view.pgc, i))});
+    out += Format("  Audio %d: %s %s, %d Hz, %s, %s\n",
+                  {i + 1, Language(a.language), a.format, a.frequency,
+                   Counted(a.channels, "channel"), IdText(AudioId(a, view.pgc, i))});
   }
   for (std::size_t i = 0; i < s.subpictures.size(); ++i) {
     if (!ListsSubpicture(view.pgc, i)) continue;
@@ -383,10 +384,10 @@ void MenuText(std::string& out, const std::vector<LanguageUnit>& units, const st
   for (const LanguageUnit& unit : units) {
     for (const Pgc& pgc : unit.pgcs) {
       const char* menu = pgc.entry() ? MenuName(pgc.menu_id()) : nullptr;
-      out += Format("  %s, language %s, PGC %d%s: %s, %d cells\n",
+      out += Format("  %s, language %s, PGC %d%s: %s, %s\n",
                     {where, unit.language, pgc.number,
                      menu ? std::string(" (") + menu + " menu)" : std::string(), pgc.time.Text(),
-                     pgc.cells.size()});
+                     Counted(pgc.cells.size(), "cell")});
     }
   }
 }
@@ -439,9 +440,10 @@ std::string DiscInfoJson(const Disc& disc) {
 std::string DiscInfoText(const Disc& disc) {
   std::string out;
   out += Format("Disc: %s (%s)\n", {disc.path, disc.kind});
-  out += Format("Video manager: %s, provider \"%s\", version %d.%d, %d title sets, %d titles\n",
-                {disc.vmg.id, disc.vmg.provider, disc.vmg.version >> 4, disc.vmg.version & 15,
-                 disc.vmg.title_set_count, disc.vmg.titles.size()});
+  out += Format(
+      "Video manager: %s, provider \"%s\", version %d.%d, %s, %s\n",
+      {disc.vmg.id, disc.vmg.provider, disc.vmg.version >> 4, disc.vmg.version & 15,
+       Counted(disc.vmg.title_set_count, "title set"), Counted(disc.vmg.titles.size(), "title")});
   for (const TitleEntry& t : disc.vmg.titles) TitleText(out, disc, t);
   if (std::uint32_t longest = LongestTitle(disc)) out += Format("Longest title: %d\n", {longest});
   out += "Menus:\n";

@@ -204,4 +204,11 @@ std::string Format(std::string_view format, std::initializer_list<FmtArg> args) 
   return line;
 }
 
+std::string Counted(std::uint64_t n, std::string_view noun) {
+  std::string text = std::to_string(n) + " ";
+  text += noun;
+  if (n != 1) text += 's';
+  return text;
+}
+
 }  // namespace tarvex

@@ -47,4 +47,7 @@ std::string Format(std::string_view format, std::initializer_list<FmtArg> args =
 void AppendFormat(std::string& line, std::string_view format,
                   std::initializer_list<FmtArg> args = {});
 
+// A count with its noun, which takes an "s" unless the count is 1: "1 cell", "0 cells".
+std::string Counted(std::uint64_t n, std::string_view noun);
+
 }  // namespace tarvex

@@ -73,5 +73,12 @@ TEST(Format, AppendFormatContinuesTheLine) {
   EXPECT_EQ(line, "      Nav cmd: 2004000000000005");
 }
 
+TEST(Counted, TheNounTakesAnSUnlessTheCountIsOne) {
+  EXPECT_EQ(Counted(0, "cell"), "0 cells");
+  EXPECT_EQ(Counted(1, "cell"), "1 cell");
+  EXPECT_EQ(Counted(2, "title set"), "2 title sets");
+  EXPECT_EQ(Counted(4294967296ull, "pack"), "4294967296 packs");
+}
+
 }  // namespace
 }  // namespace tarvex
