@@ -199,6 +199,19 @@ def vob_numbering(d):
     return f'file.vob-numbering {name}'
 
 
+def vob_first_missing(d):
+    vobs = d.title_vobs()
+    name = f'VTS_01_{len(vobs) + 1}.VOB'
+    os.rename(d.path(vobs[0]), d.path(name))
+    return f'file.vob-numbering {vobs[1] if len(vobs) > 1 else name}'
+
+
+def vob_missing(d):
+    for name in d.title_vobs():
+        os.remove(d.path(name))
+    return 'file.missing VTS_01_1.VOB'
+
+
 def file_extra(d):
     name = f'VTS_{d.u(VMG, 62, 2) + 1:02d}_1.VOB'
     copy_record(d, name)
@@ -564,6 +577,9 @@ CASES = {
     'file-size': ('100 bytes appended to the last title VOB of title set 1', file_size),
     'vob-numbering': ('a title VOB part two on from the last, the one between missing',
                       vob_numbering),
+    'vob-first-missing': ('the first title VOB of title set 1 renamed to the part after the last',
+                          vob_first_missing),
+    'vob-missing': ('every title VOB of title set 1 removed', vob_missing),
     'file-extra': ('a title VOB of the title set after the last one the video manager counts',
                    file_extra),
     'file-unknown': ('a README.TXT in VIDEO_TS', readme),

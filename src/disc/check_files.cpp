@@ -94,9 +94,11 @@ void CheckFiles(const Disc& disc, Findings& out) {
     std::sort(parts.begin(), parts.end());
     for (std::size_t i = 0; i < parts.size(); ++i) {
       if (parts[i] != i + 1) {
-        out.AtFile("file.vob-numbering", Format("VTS_%02d_%d.VOB", {set, parts[i]}),
-                   Format("title VOB part %d follows part %d: the parts are not numbered 1, 2, ...",
-                          {parts[i], i == 0 ? 0 : parts[i - 1]}));
+        std::string name = Format("VTS_%02d_%d.VOB", {set, parts[i]});
+        out.AtFile("file.vob-numbering", name,
+                   i == 0 ? Format("title VOB part %d comes first: part 1 is missing", {parts[i]})
+                          : Format("title VOB part %d follows part %d: part %d is missing",
+                                   {parts[i], parts[i - 1], parts[i - 1] + 1}));
         break;
       }
     }
@@ -119,7 +121,7 @@ void CheckFiles(const Disc& disc, Findings& out) {
       out.AtFile("file.missing", Format("VTS_%02d_0.VOB", {ts.number}),
                  "VTSI_MAT gives a menu VOB start sector, no file");
     }
-    if (!ts.pgcs.empty() && ts.title_vobs.parts.empty()) {
+    if (!ts.pgcs.empty() && title_vobs[ts.number].empty()) {
       out.AtFile("file.missing", Format("VTS_%02d_1.VOB", {ts.number}),
                  "the title set has program chains but no title VOB file");
     }

@@ -1,4 +1,8 @@
 // Declared streams against the streams found in the VOBs, through each chain's stream control.
+#include <algorithm>
+#include <utility>
+#include <vector>
+
 #include "disc/checks.h"
 #include "platform/format.h"
 
@@ -54,12 +58,23 @@ void CheckChainStreams(const DomainChain& chain, const StreamDeclarations& decla
   }
   for (std::size_t i = 0; i < declared.subpictures.size() && i < 32; ++i) {
     SubpictureControl c = DecodeSubpictureControl(pgc.subpicture_control[i]);
+    // One finding per missing id, naming every display that plays through it.
+    std::vector<std::pair<std::uint32_t, std::string>> displays;
     for (const SubpictureStream& s : SubpictureStreamIds(declared.video, c)) {
       mapped.set(s.id);
-      if (!present || (*present)[s.id]) continue;
+      auto same = std::find_if(displays.begin(), displays.end(),
+                               [&](const auto& d) { return d.first == s.id; });
+      if (same == displays.end()) {
+        displays.emplace_back(s.id, s.display);
+      } else {
+        same->second += std::string(" and ") + s.display;
+      }
+    }
+    for (const auto& [id, display] : displays) {
+      if (!present || (*present)[id]) continue;
       std::string what = Language(declared.subpictures[i].language);
-      if (declared.video.wide()) what += std::string(", ") + s.display;
-      missing(Format("sub-picture stream %d (%s) plays as %s", {i + 1, what, StreamIdText(s.id)}));
+      if (declared.video.wide()) what += ", " + display;
+      missing(Format("sub-picture stream %d (%s) plays as %s", {i + 1, what, StreamIdText(id)}));
     }
   }
 }

@@ -85,10 +85,14 @@ void LoadTitleSet(Disc& disc, std::uint32_t number) {
   ts.bup_name = TitleSetFile(number, 0, "BUP");
   if (const DiscFileEntry* e = disc.access->Find(ts.ifo_name)) ts.ifo_name = e->name;
   AddPart(disc, ts.menu_vobs, TitleSetFile(number, 0, "VOB"));
-  for (std::uint32_t part = 1; part <= 9; ++part) {
-    std::string name = TitleSetFile(number, part, "VOB");
-    if (disc.access->Find(name) == nullptr) break;
-    AddPart(disc, ts.title_vobs, name);
+  std::uint32_t part = 1;
+  for (; part <= 9 && disc.access->Find(TitleSetFile(number, part, "VOB")) != nullptr; ++part) {
+    AddPart(disc, ts.title_vobs, TitleSetFile(number, part, "VOB"));
+  }
+  for (; part <= 9; ++part) {
+    if (disc.access->Find(TitleSetFile(number, part, "VOB")) != nullptr) {
+      ts.title_vobs.missing_files = true;
+    }
   }
   if (disc.access->Find(ts.ifo_name) == nullptr) return;
   auto bytes = disc.access->ReadWhole(ts.ifo_name, kMaxIfoBytes);
@@ -99,6 +103,10 @@ void LoadTitleSet(Disc& disc, std::uint32_t number) {
   ts.ifo = std::move(*bytes);
   ts.ifo_size = ts.ifo.size();
   ReadTitleSetIfo(ByteView(ts.ifo), ts);
+  if (ts.title_vobs.parts.empty() && !ts.pgcs.empty()) ts.title_vobs.missing_files = true;
+  if (ts.menu_vobs.parts.empty() && ts.menu_vobs_at != 0 && !ts.menus.empty()) {
+    ts.menu_vobs.missing_files = true;
+  }
   if (!ts.present) {
     disc.load_findings.AtTable("ifo.identifier", ts.ifo_name, "VTSI_MAT", 0,
                                "the identifier is not DVDVIDEO-VTS");
@@ -176,6 +184,7 @@ std::optional<Disc> LoadDisc(std::shared_ptr<DiscAccess> access, const std::stri
                                "the identifier is not DVDVIDEO-VMG");
   }
   AddPart(disc, disc.vmg.menu_vobs, "VIDEO_TS.VOB");
+  disc.vmg.menu_vobs.missing_files = disc.vmg.menu_vobs.parts.empty() && disc.vmg.menu_vobs_at != 0;
   std::uint32_t count =
       std::max<std::uint32_t>(disc.vmg.title_set_count, HighestTitleSetFile(disc));
   count = std::min(count, kMaxTitleSets);

@@ -84,6 +84,10 @@ struct VobSet {
   std::vector<CellAddress> cells;
   std::uint32_t admap_end = 0;
   std::vector<std::uint32_t> vobu_starts;  // as the map holds them (in order on a sound disc)
+  // A file of the set is missing (a gap in the numbering, or no file where the IFO has
+  // cells), which the file checks report: sectors past it are not known, so the tables'
+  // sector ranges are not held against the set's size.
+  bool missing_files = false;
   // The file and record of a sector of the set, or nothing beyond its end.
   std::optional<std::pair<std::string, std::uint64_t>> Locate(std::uint64_t sector) const;
   // The first entry of the cell address table for a VOB id and cell id, or nullptr.

@@ -81,6 +81,9 @@ const std::vector<Case>& Cases() {
       {"bup-differs", {AtFile("file.bup-differs", "VTS_01_0.BUP")}},
       {"file-size", {AtFile("file.size", kVob)}},
       {"vob-numbering", {AtFile("file.vob-numbering", "VTS_01_3.VOB")}},
+      // Without part 1 the sectors of the set are not known: no table range is held against it.
+      {"vob-first-missing", {AtFile("file.vob-numbering", "VTS_01_2.VOB")}},
+      {"vob-missing", {AtFile("file.missing", kVob)}},
       {"file-extra", {AtFile("file.extra", "VTS_02_1.VOB")}},
       {"file-unknown", {AtFile("file.unknown", "README.TXT")}},
       // The title set is unusable: its title cannot be found either.
