@@ -90,11 +90,13 @@ class VobSetScanner {
                  ByteView(block.data() + k * kRecordBytes, kRecordBytes));
         }
         if (whole < want) {
+          ReportNoHeader();
           out_.AtRecord("file.read", part.name, r + whole, "the file cannot be read from here on");
           break;
         }
         r += whole;
       }
+      ReportNoHeader();
       ReportMuxRate(part.name);
     }
     FinishVobu(set_.sectors, nullptr);
@@ -105,10 +107,16 @@ class VobSetScanner {
  private:
   void Record(std::uint64_t sector, const std::string& file, std::uint64_t record, ByteView pack) {
     if (pack.be32(0) != 0x1BA || (pack.u8(4) & 0xC0) != 0x40) {
-      out_.AtRecord("vob.pack", file, record,
-                    Format("no MPEG-2 pack header (the record starts %08x)", {pack.be32(0)}));
+      if (no_header_.count != 0 && no_header_.file == file &&
+          no_header_.first + no_header_.count == record) {
+        ++no_header_.count;
+      } else {
+        ReportNoHeader();
+        no_header_ = {file, record, 1, pack.be32(0)};
+      }
       return;
     }
+    ReportNoHeader();
     std::uint32_t mux =
         (std::uint32_t{pack.u8(10)} << 14) | (std::uint32_t{pack.u8(11)} << 6) | (pack.u8(12) >> 2);
     if (mux > kMaxMuxRate) {
@@ -177,6 +185,20 @@ class VobSetScanner {
       if (!seen_buttons_.insert({cell, command}).second) continue;
       presence_.buttons.push_back({cell, file, record, b + 1, f.buttons, command});
     }
+  }
+
+  // One finding per run of records without a pack header: a damaged stretch of a file is
+  // one line, not one per record.
+  void ReportNoHeader() {
+    if (no_header_.count == 0) return;
+    const NoHeaderRun& run = no_header_;
+    out_.AtRecord("vob.pack", run.file, run.first,
+                  run.count == 1
+                      ? Format("no MPEG-2 pack header (the record starts %08x)", {run.word})
+                      : Format("no MPEG-2 pack header in %s, %s to %s (the first starts %08x)",
+                               {Counted(run.count, "record"), std::to_string(run.first),
+                                std::to_string(run.first + run.count - 1), run.word}));
+    no_header_.count = 0;
   }
 
   // One finding per file: its first pack above the limit, and how many there are.
@@ -327,6 +349,11 @@ class VobSetScanner {
   std::optional<std::uint64_t> last_scr_;
   std::uint64_t high_mux_packs_ = 0;
   std::pair<std::uint64_t, std::uint32_t> high_mux_;  // the first such pack: record, rate
+  struct NoHeaderRun {
+    std::string file;
+    std::uint64_t first = 0, count = 0;  // records first .. first + count - 1
+    std::uint32_t word = 0;              // the first record's first four bytes
+  } no_header_;
   std::set<std::pair<std::pair<std::uint16_t, std::uint8_t>, NavCommand>> seen_buttons_;
   std::vector<const CellAddress*> by_sector_;     // the cell address table by first sector
   std::array<std::uint8_t, 256> coding_tries_{};  // packs read for each stream's coding

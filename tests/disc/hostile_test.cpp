@@ -58,6 +58,7 @@ TEST(Hostile, TruncatedVobGivesErrors) {
   EXPECT_TRUE(beyond) << VerifyText(r);
 }
 
+// A VOB of random bytes: one finding for the whole stretch without pack headers.
 TEST(Hostile, GarbageVobGivesErrors) {
   test::TempDir dir;
   std::string disc = test::CopySample(dir, "garbage");
@@ -66,10 +67,38 @@ TEST(Hostile, GarbageVobGivesErrors) {
   for (std::uint8_t& b : garbage) b = static_cast<std::uint8_t>((seed = seed * 69069u + 1) >> 24);
   test::WriteFileBytes(disc + "/VIDEO_TS/VTS_01_1.VOB", garbage);
   VerifyResult r = VerifyPath(disc);
-  EXPECT_GT(r.errors, 1000u);  // every record, counted beyond the ones listed
-  std::size_t listed = 0;
-  for (const Finding& f : r.findings) listed += f.check == "vob.pack";
-  EXPECT_EQ(listed, Findings::kPerCheckLimit);
+  std::vector<const Finding*> packs;
+  for (const Finding& f : r.findings) {
+    if (f.check == "vob.pack") packs.push_back(&f);
+  }
+  ASSERT_EQ(packs.size(), 1u) << VerifyText(r);
+  EXPECT_EQ(packs[0]->sector, 0u);
+  EXPECT_NE(packs[0]->message.find("no MPEG-2 pack header in 1246 records, 0 to 1245"),
+            std::string::npos)
+      << packs[0]->message;
+  EXPECT_GT(r.errors, 1u);  // the address map's VOBUs have no navigation packs either
+}
+
+// Every other record without a pack header: each is a finding of its own, and past the limit
+// they are counted, not listed.
+TEST(Hostile, ScatteredDamageIsCountedBeyondTheListedFindings) {
+  test::TempDir dir;
+  std::string disc = test::CopySample(dir, "scattered");
+  std::string vob = disc + "/VIDEO_TS/VTS_01_1.VOB";
+  std::vector<std::uint8_t> bytes = test::ReadFileBytes(vob);
+  for (std::size_t r = 1; r < 1246; r += 2) bytes[r * 2048 + 3] = 0xFF;  // 623 records
+  test::WriteFileBytes(vob, bytes);
+  VerifyResult r = VerifyPath(disc);
+  EXPECT_GE(r.errors, 623u);
+  std::vector<const Finding*> packs;
+  for (const Finding& f : r.findings) {
+    if (f.check == "vob.pack") packs.push_back(&f);
+  }
+  ASSERT_EQ(packs.size(), Findings::kPerCheckLimit);
+  EXPECT_EQ(packs[0]->message, "no MPEG-2 pack header (the record starts 000001ff)");
+  EXPECT_NE(packs.back()->message.find("(and 423 more findings of this check, not listed)"),
+            std::string::npos)
+      << packs.back()->message;
 }
 
 TEST(Hostile, EmptyAndMissingFiles) {
