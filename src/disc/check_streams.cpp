@@ -84,7 +84,9 @@ void CheckChainStreams(const DomainChain& chain, const StreamDeclarations& decla
 void CheckStreams(const Disc&, const std::vector<DomainChain>& chains,
                   const StreamDeclarations& declared, const StreamPresence& found,
                   const VobSetNames& names, Findings& out) {
-  if (!found.scanned) return;
+  // Without a readable chain no stream can be mapped: the chain table's own finding says why,
+  // and listing every stream of the VOBs as undeclared would only repeat it.
+  if (!found.scanned || chains.empty()) return;
   std::bitset<256> mapped;
   AudioIds audio;
   for (const DomainChain& chain : chains) {

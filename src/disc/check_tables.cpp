@@ -32,10 +32,16 @@ void CheckTablePlaces(const std::string& file, const std::vector<TableLocation>&
       }
       continue;
     }
-    if (t.start_sector >= info_sectors || std::uint64_t{t.start_sector} * 2048 >= file_bytes) {
+    if (t.start_sector >= info_sectors) {
       out.AtTable("ifo.table-address", file, t.name, 0,
                   Format("start sector %d lies beyond the information part (%s sectors)",
                          {t.start_sector, std::to_string(info_sectors)}));
+      continue;
+    }
+    if (std::uint64_t{t.start_sector} * 2048 >= file_bytes) {
+      out.AtTable("ifo.table-address", file, t.name, 0,
+                  Format("start sector %d lies beyond the end of the file (%s bytes)",
+                         {t.start_sector, std::to_string(file_bytes)}));
       continue;
     }
     if (t.end_byte > std::min<std::uint64_t>(info_sectors * 2048, file_bytes)) {

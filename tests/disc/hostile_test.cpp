@@ -101,6 +101,30 @@ TEST(Hostile, ScatteredDamageIsCountedBeyondTheListedFindings) {
       << packs.back()->message;
 }
 
+// The sample's title set IFO cut to 3000 bytes: its tables from sector 2 on lie past the end
+// of the file (its VTSI_EA still says 8 sectors), and with no chain read the streams of the
+// VOBs are not listed as undeclared one by one.
+TEST(Hostile, TruncatedIfoNamesTheTablesPastItsEnd) {
+  test::TempDir dir;
+  std::string disc = test::CopySample(dir, "truncated-ifo");
+  std::string ifo = disc + "/VIDEO_TS/VTS_01_0.IFO";
+  std::vector<std::uint8_t> bytes = test::ReadFileBytes(ifo);
+  bytes.resize(3000);
+  test::WriteFileBytes(ifo, bytes);
+  VerifyResult r = VerifyPath(disc);
+  std::vector<std::string> tables;
+  for (const Finding& f : r.findings) {
+    EXPECT_NE(f.check, "stream.undeclared") << f.message;
+    if (f.check != "ifo.table-address") continue;
+    tables.push_back(f.table.value_or(""));
+    EXPECT_NE(f.message.find("lies beyond the end of the file (3000 bytes)"), std::string::npos)
+        << f.message;
+  }
+  EXPECT_EQ(tables,
+            (std::vector<std::string>{"VTS_PGCIT", "VTSM_PGCI_UT", "VTS_TMAPT", "VTSM_C_ADT",
+                                      "VTSM_VOBU_ADMAP", "VTS_C_ADT", "VTS_VOBU_ADMAP"}));
+}
+
 TEST(Hostile, EmptyAndMissingFiles) {
   test::TempDir dir;
   std::string disc = test::CopySample(dir, "empty");
