@@ -91,8 +91,7 @@ class ChainChecker {
         Report("pgc.cell-sectors",
                where + Format("entry %d, last VOBU %d, last sector %d are not in order",
                               {c.first_sector, c.last_vobu_start, c.last_sector}));
-      } else if (c.last_sector >= s_.set.sectors) {
-        if (s_.set.missing_files) continue;
+      } else if (s_.set.PastEnd(c.last_sector)) {
         Report("pgc.cell-sectors", where + Format("last sector %d, the VOBs have %s sectors",
                                                   {c.last_sector, std::to_string(s_.set.sectors)}));
       } else if (!s_.set.vobu_starts.empty() &&

@@ -104,7 +104,7 @@ void CheckFiles(const Disc& disc, Findings& out) {
     }
   }
 
-  if (disc.vmg.menu_vobs_at != 0 && disc.vmg.menu_vobs.parts.empty()) {
+  if (disc.vmg.menu_vobs.missing_files) {
     out.AtFile("file.missing", "VIDEO_TS.VOB", "VMGI_MAT gives a menu VOB start sector, no file");
   }
   CheckBackup(disc, "VIDEO_TS.IFO", "VIDEO_TS.BUP", disc.vmg.ifo, out);
@@ -117,11 +117,12 @@ void CheckFiles(const Disc& disc, Findings& out) {
     }
     if (!ts.present) continue;
     CheckBackup(disc, ts.ifo_name, ts.bup_name, ts.ifo, out);
-    if (ts.menu_vobs_at != 0 && ts.menu_vobs.parts.empty() && !ts.menus.empty()) {
+    if (ts.menu_vobs.missing_files) {
       out.AtFile("file.missing", Format("VTS_%02d_0.VOB", {ts.number}),
                  "VTSI_MAT gives a menu VOB start sector, no file");
     }
-    if (!ts.pgcs.empty() && title_vobs[ts.number].empty()) {
+    // A gap in the numbering is reported above; this is a set without any title VOB.
+    if (ts.title_vobs.missing_files && title_vobs[ts.number].empty()) {
       out.AtFile("file.missing", Format("VTS_%02d_1.VOB", {ts.number}),
                  "the title set has program chains but no title VOB file");
     }

@@ -252,7 +252,7 @@ void CheckCellTable(const std::string& file, const char* table, const VobSet& se
     const CellAddress& c = set.cells[i];
     auto entry = static_cast<std::uint32_t>(i + 1);
     highest_vob = std::max(highest_vob, c.vob_id);
-    if (c.first > c.last || (c.last >= set.sectors && !set.missing_files)) {
+    if (c.first > c.last || set.PastEnd(c.last)) {
       out.AtTable("c_adt.order", file, table, entry,
                   Format("VOB %d cell %d: sectors %d to %d, the VOBs have %s sectors",
                          {c.vob_id, c.cell_id, c.first, c.last, std::to_string(set.sectors)}));
@@ -294,8 +294,7 @@ void CheckAddressMap(const std::string& file, const char* table, const VobSet& s
   for (std::size_t i = 0; i < set.vobu_starts.size(); ++i) {
     std::uint32_t s = set.vobu_starts[i];
     auto entry = static_cast<std::uint32_t>(i + 1);
-    if (s >= set.sectors) {
-      if (set.missing_files) continue;
+    if (set.PastEnd(s)) {
       out.AtTable(
           "vobu_admap.order", file, table, entry,
           Format("VOBU at sector %d, the VOBs have %s sectors", {s, std::to_string(set.sectors)}));

@@ -88,6 +88,8 @@ struct VobSet {
   // cells), which the file checks report: sectors past it are not known, so the tables'
   // sector ranges are not held against the set's size.
   bool missing_files = false;
+  // Whether a sector lies past the end of the set's files (never, when a file is missing).
+  bool PastEnd(std::uint64_t sector) const { return !missing_files && sector >= sectors; }
   // The file and record of a sector of the set, or nothing beyond its end.
   std::optional<std::pair<std::string, std::uint64_t>> Locate(std::uint64_t sector) const;
   // The first entry of the cell address table for a VOB id and cell id, or nullptr.
