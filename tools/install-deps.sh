@@ -2,7 +2,7 @@
 # Installs the Debian 12 packages a job needs, when any of them is missing.
 # Usage: tools/install-deps.sh GROUP...
 #   (groups: build, test, gui, bench, sample, package, screenshot, ci)
-#   build   compiler, CMake, Ninja, CLI11, libudfread      (tarvex-cli)
+#   build   compiler, CMake, Ninja, CLI11, libudfread, Graphviz (tarvex-cli)
 #   test    build + GoogleTest and every tool and library the tests use, so that no test
 #           is skipped: ffmpeg (with ffprobe) and lsdvd for the interoperability tests,
 #           dvdauthor and genisoimage for test discs and ISO images, nlohmann-json, python3
@@ -19,7 +19,7 @@
 # Runs apt-get through sudo unless already root. Does nothing when all is present.
 set -euo pipefail
 
-build_packages=(cmake ninja-build g++ libcli11-dev pkg-config libudfread-dev)
+build_packages=(cmake ninja-build g++ libcli11-dev pkg-config libudfread-dev libgraphviz-dev)
 test_packages=("${build_packages[@]}" libgtest-dev libgmock-dev
                ffmpeg lsdvd dvdauthor genisoimage nlohmann-json3-dev python3
                groff-base desktop-file-utils zsh fish)
