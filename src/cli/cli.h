@@ -42,6 +42,7 @@ void AddStreamCommands(CLI::App& app, Session& session);   // open, list, hex, d
 void AddExtractCommands(CLI::App& app, Session& session);  // extract
 void AddIfoCommands(CLI::App& app, Session& session);      // ifo, disasm, asm
 void AddDiscCommands(CLI::App& app, Session& session);     // info, verify
+void AddNavCommands(CLI::App& app, Session& session);      // play, graph
 
 // The usage error when argv names no command of app (none at all, or an unknown word): names
 // the word and lists the commands with their arguments, one a line. Nothing when the first

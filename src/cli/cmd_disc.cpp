@@ -6,6 +6,7 @@
 #include "cli/cli.h"
 #include "disc/info.h"
 #include "disc/verify.h"
+#include "nav/analysis.h"
 #include "platform/format.h"
 
 namespace tarvex::cli {
@@ -63,7 +64,8 @@ void AddInfo(CLI::App& app, Session& session) {
         session.exit_status = 1;
         return;
       }
-      Print(o->json ? DiscInfoJson(*disc) : DiscInfoText(*disc));
+      TitleNavigation navigation = nav::NavigateTitles(*disc);
+      Print(o->json ? DiscInfoJson(*disc, &navigation) : DiscInfoText(*disc, &navigation));
       session.exit_status = 0;
     };
   });
@@ -125,7 +127,10 @@ void AddVerify(CLI::App& app, Session& session) {
         session.exit_status = 1;
         return;
       }
-      VerifyResult result = VerifyDisc(*disc, {.ifo_only = o->ifo_only});
+      VerifyOptions options{.ifo_only = o->ifo_only, .more_checks = [](const Disc& d, Findings& out) {
+                              nav::AddNavigationFindings(d, nav::Analyze(d), out);
+                            }};
+      VerifyResult result = VerifyDisc(*disc, options);
       Print(o->json ? VerifyJson(o->disc, result) : VerifyText(result));
       std::fprintf(stderr, "%s: %s, %s, %s%s\n", o->disc.c_str(),
                    Counted(result.errors, "error").c_str(),

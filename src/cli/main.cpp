@@ -89,6 +89,7 @@ int Run(int argc, char** argv) {
   AddExtractCommands(app, session);
   AddIfoCommands(app, session);
   AddDiscCommands(app, session);
+  AddNavCommands(app, session);
 
   try {
     app.parse(argc, argv);

@@ -30,6 +30,12 @@ std::uint64_t PlaybackTime::Frames() const {
   return ((std::uint64_t{hours} * 60 + minutes) * 60 + seconds) * rate + frames;
 }
 
+std::uint64_t PlaybackTime::Ticks() const {
+  if (rate_code == 1) return Frames() * 3600;
+  if (rate_code == 3) return Frames() * 3003;
+  return ((std::uint64_t{hours} * 60 + minutes) * 60 + seconds) * 90000;
+}
+
 std::string PlaybackTime::Text() const {
   return MillisecondsText(Milliseconds());
 }

@@ -20,6 +20,9 @@ struct PlaybackTime {
   std::uint64_t Milliseconds() const;
   // The frames, counted at the time's own rate (for comparing sums).
   std::uint64_t Frames() const;
+  // The time its pictures really take, in 90 kHz ticks: frames of 3003 ticks (1001/30000 s)
+  // at 30 (29.97) fps, of 3600 ticks at 25 fps; whole seconds only at an unknown rate.
+  std::uint64_t Ticks() const;
   std::string Text() const;  // "hh:mm:ss.mmm"
 };
 // "hh:mm:ss.mmm" of a number of milliseconds.

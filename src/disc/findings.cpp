@@ -75,6 +75,13 @@ constexpr CheckInfo kChecks[] = {
      "or after a set) to a title, part, chain, program, cell, menu or button that does not "
      "exist"},
     {"nav.vobu-length", W, "a VOBU shorter than 0.4 s or longer than 1.0 s (stills excepted)"},
+    // Navigation: where a player can go.
+    {"nav.unreachable", I,
+     "a title or menu chain that no path reaches from first play or an entry menu, through "
+     "every command (each comparison either way) and every button"},
+    {"nav.loop", E,
+     "a reachable cycle of chains that plays no cell and waits for no key, so a player hangs "
+     "(a warning when the cycle depends on a comparison)"},
     // Packs.
     {"vob.pack", E, "a record that is not an MPEG-2 pack of a DVD-Video stream"},
     {"vob.first-pack", E, "a VOB set that does not begin with a navigation pack"},
@@ -137,8 +144,13 @@ void Findings::Add(Finding finding) {
 
 void Findings::AtTable(std::string_view check, std::string_view file, std::string_view table,
                        std::uint32_t entry, std::string message) {
+  AtTable(check, file, table, entry, std::move(message), FindCheck(check).severity);
+}
+
+void Findings::AtTable(std::string_view check, std::string_view file, std::string_view table,
+                       std::uint32_t entry, std::string message, Severity severity) {
   Finding f;
-  f.severity = FindCheck(check).severity;
+  f.severity = severity;
   f.check = check;
   f.file = file;
   f.table = std::string(table);

@@ -43,6 +43,9 @@ class Findings {
   // A finding in a table of an IFO (entry 0 means none).
   void AtTable(std::string_view check, std::string_view file, std::string_view table,
                std::uint32_t entry, std::string message);
+  // The same, for a check whose finding is graded by what was found (nav.loop).
+  void AtTable(std::string_view check, std::string_view file, std::string_view table,
+               std::uint32_t entry, std::string message, Severity severity);
   // A finding about a whole file.
   void AtFile(std::string_view check, std::string_view file, std::string message);
   // A finding at a record of a VOB file.

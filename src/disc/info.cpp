@@ -262,12 +262,16 @@ void WritePalette(JsonWriter& j, const Pgc* pgc) {
   j.EndArray();
 }
 
-void WriteTitle(JsonWriter& j, const Disc& disc, const TitleEntry& t) {
+void WriteTitle(JsonWriter& j, const Disc& disc, const TitleEntry& t,
+                const TitleNavigation* navigation) {
   TitleView view = ViewTitle(disc, t);
   std::vector<const Pgc*> chains = TitleChains(view);
   j.BeginObject();
   j.MemberUint("number", t.number).MemberUint("title_set", t.title_set);
   j.MemberUint("title_in_set", t.title_in_set);
+  if (navigation && t.number >= 1 && t.number <= navigation->reachable.size()) {
+    j.Key("reachable").Bool(navigation->reachable[t.number - 1]);
+  }
   j.Key("length").Decimal(Seconds(ChainsMs(chains)), 3);
   j.MemberUint("angles", t.angles);
   j.Key("pgcs").BeginArray();
@@ -408,7 +412,7 @@ std::uint32_t LongestTitle(const Disc& disc) {
 
 }  // namespace
 
-std::string DiscInfoJson(const Disc& disc) {
+std::string DiscInfoJson(const Disc& disc, const TitleNavigation* navigation) {
   JsonWriter j;
   j.BeginObject();
   j.Member("disc", disc.path);
@@ -419,13 +423,17 @@ std::string DiscInfoJson(const Disc& disc) {
   j.MemberUint("titles", disc.vmg.titles.size());
   j.EndObject();
   j.Key("titles").BeginArray();
-  for (const TitleEntry& t : disc.vmg.titles) WriteTitle(j, disc, t);
+  for (const TitleEntry& t : disc.vmg.titles) WriteTitle(j, disc, t, navigation);
   j.EndArray();
   j.Key("longest_title");
   if (std::uint32_t longest = LongestTitle(disc)) {
     j.Uint(longest);
   } else {
     j.Null();
+  }
+  if (navigation) {
+    j.Key("first_title");
+    navigation->first_title ? j.Uint(*navigation->first_title) : j.Null();
   }
   j.Key("menus").BeginArray();
   WriteMenus(j, disc.vmg.menus, "vmgm", std::nullopt, disc.vmg.menu);
@@ -437,7 +445,22 @@ std::string DiscInfoJson(const Disc& disc) {
   return j.text();
 }
 
-std::string DiscInfoText(const Disc& disc) {
+namespace {
+
+// "First title played: 2" and the titles no path reaches.
+void NavigationText(std::string& out, const TitleNavigation& navigation) {
+  out += navigation.first_title ? Format("First title played: %d\n", {*navigation.first_title})
+                                : std::string("First title played: none\n");
+  std::string unreachable;
+  for (std::size_t t = 0; t < navigation.reachable.size(); ++t) {
+    if (!navigation.reachable[t]) unreachable += (unreachable.empty() ? "" : ", ") + std::to_string(t + 1);
+  }
+  if (!unreachable.empty()) out += "Titles no path reaches: " + unreachable + "\n";
+}
+
+}  // namespace
+
+std::string DiscInfoText(const Disc& disc, const TitleNavigation* navigation) {
   std::string out;
   out += Format("Disc: %s (%s)\n", {disc.path, disc.kind});
   out += Format(
@@ -446,6 +469,7 @@ std::string DiscInfoText(const Disc& disc) {
        Counted(disc.vmg.title_set_count, "title set"), Counted(disc.vmg.titles.size(), "title")});
   for (const TitleEntry& t : disc.vmg.titles) TitleText(out, disc, t);
   if (std::uint32_t longest = LongestTitle(disc)) out += Format("Longest title: %d\n", {longest});
+  if (navigation) NavigationText(out, *navigation);
   out += "Menus:\n";
   MenuText(out, disc.vmg.menus, "Video manager");
   for (const TitleSet& ts : disc.title_sets) {

@@ -89,6 +89,7 @@ VerifyResult VerifyDisc(const Disc& disc, const VerifyOptions& options) {
   CheckTitles(disc, out);
   CheckAddressTables(disc, out);
   CheckChains(disc, out);
+  if (options.more_checks) options.more_checks(disc, out);
   if (!options.ifo_only) {
     std::vector<DomainChain> vmgm = MenuChains(disc.vmg.menus);
     if (disc.vmg.first_play) {

@@ -2,6 +2,7 @@
 // the packs actually in the VOBs (one sequential pass over every VOB).
 #pragma once
 
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -12,6 +13,8 @@ namespace tarvex {
 
 struct VerifyOptions {
   bool ifo_only = false;
+  // Checks of a layer above the disc model (the navigation analysis), run with the IFO checks.
+  std::function<void(const Disc&, Findings&)> more_checks;
 };
 
 struct VerifyResult {

@@ -27,4 +27,43 @@ ByteView NavButtonCommand(ByteView record, std::uint32_t n) {
   return record.sub(kPciData + kPciButtons + kButtonSize * n + 10, 8);
 }
 
+namespace {
+
+NavButton DecodeButton(ByteView b, std::uint32_t number) {
+  NavButton button;
+  button.number = number;
+  button.color_group = b.u8(0) >> 6;
+  button.x0 = static_cast<std::uint16_t>(((b.u8(0) & 0x3F) << 4) | (b.u8(1) >> 4));
+  button.x1 = static_cast<std::uint16_t>(((b.u8(1) & 0x03) << 8) | b.u8(2));
+  button.auto_action = b.u8(3) >> 6;
+  button.y0 = static_cast<std::uint16_t>(((b.u8(3) & 0x3F) << 4) | (b.u8(4) >> 4));
+  button.y1 = static_cast<std::uint16_t>(((b.u8(4) & 0x03) << 8) | b.u8(5));
+  button.up = b.u8(6) & 0x3F;
+  button.down = b.u8(7) & 0x3F;
+  button.left = b.u8(8) & 0x3F;
+  button.right = b.u8(9) & 0x3F;
+  for (std::size_t i = 0; i < 8; ++i) button.command[i] = b.u8(10 + i);
+  return button;
+}
+
+}  // namespace
+
+HighlightInfo DecodeHighlight(ByteView record) {
+  HighlightInfo h;
+  ByteView pci = record.sub(kPciData);
+  h.status = pci.be16(kPciHliSs) & 3;
+  h.button_modes = pci.be16(kPciBtnMd);
+  h.offset = pci.u8(kPciBtnOfn);
+  h.count = pci.u8(kPciBtnNs) & 0x3F;
+  h.selectable = pci.u8(kPciNslBtnNs) & 0x3F;
+  h.forced_select = pci.u8(kPciFoslBtnn) & 0x3F;
+  h.forced_action = pci.u8(kPciFoacBtnn) & 0x3F;
+  for (std::size_t i = 0; i < h.colors.size(); ++i) h.colors[i] = pci.be32(kPciBtnColit + 4 * i);
+  std::uint32_t count = h.count > kMaxButtons ? kMaxButtons : h.count;
+  for (std::uint32_t n = 0; n < count; ++n) {
+    h.buttons.push_back(DecodeButton(pci.sub(kPciButtons + kButtonSize * n, kButtonSize), n + 1));
+  }
+  return h;
+}
+
 }  // namespace tarvex

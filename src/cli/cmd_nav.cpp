@@ -1,0 +1,134 @@
+// play, graph: what a player does with a disc.
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include "cli/cli.h"
+#include "nav/analysis.h"
+#include "nav/machine.h"
+#include "nav/play_output.h"
+
+namespace tarvex::cli {
+
+namespace {
+
+constexpr const char* kDiscHelp =
+    "A folder named VIDEO_TS, the folder that holds one, or an ISO image (read directly, "
+    "nothing is mounted)";
+
+void Print(const std::string& text) {
+  std::fwrite(text.data(), 1, text.size(), stdout);
+  std::fflush(stdout);
+}
+
+std::optional<Disc> Load(const char* command, const std::string& path, Session& session) {
+  std::string error;
+  std::optional<Disc> disc = LoadDisc(path, error);
+  if (!disc) {
+    std::fprintf(stderr, "tarvex-cli %s: %s: %s\n", command, path.c_str(), error.c_str());
+    session.exit_status = 1;
+  }
+  return disc;
+}
+
+// KEYS as a comma list; false (with a message) when a key is not one play knows.
+bool SplitKeys(const std::string& text, std::vector<std::string>& keys) {
+  std::size_t start = 0;
+  while (start <= text.size() && !text.empty()) {
+    std::size_t comma = text.find(',', start);
+    std::string key = text.substr(start, comma == std::string::npos ? std::string::npos : comma - start);
+    if (!nav::IsKey(key)) {
+      std::fprintf(stderr,
+                   "tarvex-cli play: unknown key '%s' (keys: up, down, left, right, enter, skip, "
+                   "menu, title, or a button number 1-36)\n",
+                   key.c_str());
+      return false;
+    }
+    keys.push_back(key);
+    if (comma == std::string::npos) break;
+    start = comma + 1;
+  }
+  return true;
+}
+
+void AddPlay(CLI::App& app, Session& session) {
+  struct Options {
+    std::string disc, keys, language = "en";
+    bool json = false, registers = false;
+    std::uint32_t max_cells = 1000;
+    unsigned region = 1;
+  };
+  auto o = std::make_shared<Options>();
+  CLI::App* cmd = app.add_subcommand(
+      "play", "Run the navigation machine from first play and show what a player plays");
+  cmd->footer(
+      "Plays the disc as a player does, from its first-play chain: pre commands, cells with\n"
+      "their cell commands and still times, post commands, the chains' next links, buttons.\n"
+      "Registers start as a player's: GPRMs 0, menu/audio/sub-picture language from\n"
+      "--language, parental level 15, the region mask of --region.\n"
+      "\n"
+      "KEYS is a comma list, consumed one key at a time whenever playback waits for the user:\n"
+      "at a cell whose navigation packs hold buttons, and at an infinite still.\n"
+      "  up, down, left, right  move the highlight (an auto-action button activates)\n"
+      "  enter                  activate the highlighted button\n"
+      "  N                      select and activate button N (1-36)\n"
+      "  skip                   end a still\n"
+      "  menu, title            the title set's root menu, the title menu (a title saves\n"
+      "                         its resume point as a call does)\n"
+      "When KEYS runs out, a menu gets enter and a still gets skip.\n"
+      "\n"
+      "Playback ends at an Exit command (exit), when a chain ends with nowhere to go (stop),\n"
+      "when the machine comes back to a state it was in, or after 100,000 commands without\n"
+      "a cell (loop), after --max-cells cells (limit), or at a link to something that does\n"
+      "not exist (error). Counters and the navigation timer advance with the playback time\n"
+      "of the cells played.\n"
+      "\n"
+      "Text output: the trace, top to bottom: each chain entered, each command with what it\n"
+      "did, each cell played, each key, the end. --json: {\"disc\", \"keys\", \"cells\":\n"
+      "[{\"domain\", \"title_set\", \"language\", \"pgc\", \"title\", \"chapter\", \"cell\",\n"
+      "\"first_sector\", \"key\"}], \"commands\": [{\"domain\", \"title_set\", \"language\",\n"
+      "\"pgc\", \"where\", \"number\", \"text\", \"result\"}], \"end\", \"end_reason\",\n"
+      "\"first_title\"}.\n"
+      "\n"
+      "Exit status: 0 when the disc was played (whatever the end), 1 when it cannot be read,\n"
+      "2 for a usage error (an unknown key).");
+  cmd->add_option("DISC", o->disc, kDiscHelp)->required()->type_name("PATH");
+  cmd->add_option("--keys", o->keys, "Keys pressed when playback waits, comma separated")
+      ->type_name("KEYS");
+  cmd->add_flag("--json", o->json, "Print JSON instead of the trace");
+  cmd->add_flag("--registers", o->registers, "Show the registers each command changed");
+  cmd->add_option("--max-cells", o->max_cells, "End after this many cells (default 1000)")
+      ->type_name("N")
+      ->check(CLI::Range(1u, 100000000u));
+  cmd->add_option("--language", o->language, "Menu, audio and sub-picture language (default en)")
+      ->type_name("LL")
+      ->check([](const std::string& v) {
+        return v.size() == 2 ? std::string() : std::string("a two-letter language code");
+      });
+  cmd->add_option("--region", o->region, "The player's region, 1-8 (default 1)")
+      ->type_name("N")
+      ->check(CLI::Range(1u, 8u));
+  cmd->callback([&session, o] {
+    session.action = [&session, o] {
+      nav::PlayOptions options{.keys = {}, .max_cells = o->max_cells, .language = o->language,
+                               .region = o->region};
+      if (!SplitKeys(o->keys, options.keys)) {
+        session.usage_error = true;
+        return;
+      }
+      std::optional<Disc> disc = Load("play", o->disc, session);
+      if (!disc) return;
+      nav::PlayResult result = nav::Play(*disc, options);
+      Print(o->json ? nav::PlayJson(*disc, result) : nav::PlayText(result, o->registers));
+      session.exit_status = 0;
+    };
+  });
+}
+
+}  // namespace
+
+void AddNavCommands(CLI::App& app, Session& session) {
+  AddPlay(app, session);
+}
+
+}  // namespace tarvex::cli
