@@ -14,7 +14,7 @@ namespace tarvex {
 struct VerifyOptions {
   bool ifo_only = false;
   // Checks of a layer above the disc model (the navigation analysis), run with the IFO checks.
-  std::function<void(const Disc&, Findings&)> more_checks;
+  std::function<void(const Disc&, Findings&)> more_checks = {};
 };
 
 struct VerifyResult {

@@ -11,12 +11,12 @@ namespace {
 
 Registers Fresh() { return Registers::PowerOn("en", 1); }
 
-Outcome Run(const CommandBytes& bytes, Registers& r) { return Execute(Decode(bytes), r); }
+Outcome Exec(const CommandBytes& bytes, Registers& r) { return Execute(Decode(bytes), r); }
 
 TEST(NavInstruction, MovImmediateSetsTheGprm) {
   // 0x71: type 3 (set), immediate, mov; b3 GPRM0; b4-b5 the value 5.
   Registers r = Fresh();
-  Outcome out = Run({0x71, 0x00, 0x00, 0x00, 0x00, 0x05, 0x00, 0x00}, r);
+  Outcome out = Exec({0x71, 0x00, 0x00, 0x00, 0x00, 0x05, 0x00, 0x00}, r);
   EXPECT_EQ(r.Gprm(0), 5);
   EXPECT_FALSE(out.link);
   EXPECT_EQ(InstructionText(Decode({0x71, 0, 0, 0, 0, 5, 0, 0})), "mov GPRM0, 5");
@@ -27,37 +27,37 @@ TEST(NavInstruction, AddRegisterToRegister) {
   Registers r = Fresh();
   r.SetGprm(0, 5);
   r.SetGprm(1, 10);
-  Run({0x63, 0x00, 0x00, 0x01, 0x00, 0x00, 0x00, 0x00}, r);
+  Exec({0x63, 0x00, 0x00, 0x01, 0x00, 0x00, 0x00, 0x00}, r);
   EXPECT_EQ(r.Gprm(1), 15);
   EXPECT_EQ(r.Gprm(0), 5);
 }
 
 TEST(NavInstruction, ArithmeticClampsAndDivisionByZeroGivesTheLargestValue) {
   Registers r = Fresh();
-  Run({0x74, 0, 0, 0x01, 0x00, 0x05, 0, 0}, r);  // sub GPRM1, 5 from 0
+  Exec({0x74, 0, 0, 0x01, 0x00, 0x05, 0, 0}, r);  // sub GPRM1, 5 from 0
   EXPECT_EQ(r.Gprm(1), 0);
   r.SetGprm(2, 0xFFFF);
-  Run({0x73, 0, 0, 0x02, 0x00, 0x01, 0, 0}, r);  // add GPRM2, 1
+  Exec({0x73, 0, 0, 0x02, 0x00, 0x01, 0, 0}, r);  // add GPRM2, 1
   EXPECT_EQ(r.Gprm(2), 0xFFFF);
   r.SetGprm(3, 7);
-  Run({0x76, 0, 0, 0x03, 0x00, 0x00, 0, 0}, r);  // div GPRM3, 0
+  Exec({0x76, 0, 0, 0x03, 0x00, 0x00, 0, 0}, r);  // div GPRM3, 0
   EXPECT_EQ(r.Gprm(3), 0xFFFF);
   r.SetGprm(4, 300);
-  Run({0x75, 0, 0, 0x04, 0x01, 0x00, 0, 0}, r);  // mul GPRM4, 256
+  Exec({0x75, 0, 0, 0x04, 0x01, 0x00, 0, 0}, r);  // mul GPRM4, 256
   EXPECT_EQ(r.Gprm(4), 0xFFFF);
   r.SetGprm(5, 17);
-  Run({0x77, 0, 0, 0x05, 0x00, 0x05, 0, 0}, r);  // mod GPRM5, 5
+  Exec({0x77, 0, 0, 0x05, 0x00, 0x05, 0, 0}, r);  // mod GPRM5, 5
   EXPECT_EQ(r.Gprm(5), 2);
 }
 
 TEST(NavInstruction, BitOperations) {
   Registers r = Fresh();
   r.SetGprm(0, 0x0C);
-  Run({0x79, 0, 0, 0x00, 0x00, 0x0A, 0, 0}, r);  // and GPRM0, 0x0A
+  Exec({0x79, 0, 0, 0x00, 0x00, 0x0A, 0, 0}, r);  // and GPRM0, 0x0A
   EXPECT_EQ(r.Gprm(0), 0x08);
-  Run({0x7A, 0, 0, 0x00, 0x00, 0x03, 0, 0}, r);  // or GPRM0, 3
+  Exec({0x7A, 0, 0, 0x00, 0x00, 0x03, 0, 0}, r);  // or GPRM0, 3
   EXPECT_EQ(r.Gprm(0), 0x0B);
-  Run({0x7B, 0, 0, 0x00, 0x00, 0x0F, 0, 0}, r);  // xor GPRM0, 0x0F
+  Exec({0x7B, 0, 0, 0x00, 0x00, 0x0F, 0, 0}, r);  // xor GPRM0, 0x0F
   EXPECT_EQ(r.Gprm(0), 0x04);
 }
 
@@ -66,7 +66,7 @@ TEST(NavInstruction, SwapExchangesTwoGprms) {
   Registers r = Fresh();
   r.SetGprm(1, 7);
   r.SetGprm(2, 9);
-  Run({0x62, 0x00, 0x00, 0x01, 0x00, 0x02, 0x00, 0x00}, r);
+  Exec({0x62, 0x00, 0x00, 0x01, 0x00, 0x02, 0x00, 0x00}, r);
   EXPECT_EQ(r.Gprm(1), 9);
   EXPECT_EQ(r.Gprm(2), 7);
 }
@@ -74,7 +74,7 @@ TEST(NavInstruction, SwapExchangesTwoGprms) {
 TEST(NavInstruction, RandomStaysWithinItsRange) {
   Registers r = Fresh();
   for (int i = 0; i < 50; ++i) {
-    Run({0x78, 0, 0, 0x06, 0x00, 0x03, 0, 0}, r);  // rnd GPRM6, 3
+    Exec({0x78, 0, 0, 0x06, 0x00, 0x03, 0, 0}, r);  // rnd GPRM6, 3
     EXPECT_GE(r.Gprm(6), 1);
     EXPECT_LE(r.Gprm(6), 3);
   }
@@ -85,12 +85,12 @@ TEST(NavInstruction, ConditionalLinkTakesItsLinkOnlyWhenTheComparisonHolds) {
   CommandBytes bytes{0x20, 0xA4, 0x00, 0x01, 0x00, 0x05, 0x00, 0x03};
   Registers r = Fresh();
   r.SetGprm(1, 5);
-  Outcome out = Run(bytes, r);
+  Outcome out = Exec(bytes, r);
   ASSERT_TRUE(out.link);
   EXPECT_EQ(out.link->kind, LinkKind::kChain);
   EXPECT_EQ(out.link->number, 3u);
   r.SetGprm(1, 4);
-  EXPECT_FALSE(Run(bytes, r).link);
+  EXPECT_FALSE(Exec(bytes, r).link);
   EXPECT_EQ(InstructionText(Decode(bytes)), "if (GPRM1 == 5) LinkPGCN 3");
 }
 
@@ -99,16 +99,16 @@ TEST(NavInstruction, CompareAndTestsCommonBits) {
   CommandBytes bytes{0x00, 0x91, 0x00, 0x00, 0x00, 0x02, 0x00, 0x02};
   Registers r = Fresh();
   r.SetGprm(0, 6);
-  EXPECT_EQ(Run(bytes, r).goto_line, 2u);
+  EXPECT_EQ(Exec(bytes, r).goto_line, 2u);
   r.SetGprm(0, 5);
-  EXPECT_EQ(Run(bytes, r).goto_line, 0u);
+  EXPECT_EQ(Exec(bytes, r).goto_line, 0u);
 }
 
 TEST(NavInstruction, GotoBreakAndTemporaryParentalLevel) {
   Registers r = Fresh();
-  EXPECT_EQ(Run({0x00, 0x01, 0, 0, 0, 0, 0, 0x03}, r).goto_line, 3u);
-  EXPECT_TRUE(Run({0x00, 0x02, 0, 0, 0, 0, 0, 0}, r).break_out);
-  Outcome out = Run({0x00, 0x03, 0, 0, 0, 0, 0x04, 0x02}, r);  // SetTmpPML 4, goto 2
+  EXPECT_EQ(Exec({0x00, 0x01, 0, 0, 0, 0, 0, 0x03}, r).goto_line, 3u);
+  EXPECT_TRUE(Exec({0x00, 0x02, 0, 0, 0, 0, 0, 0}, r).break_out);
+  Outcome out = Exec({0x00, 0x03, 0, 0, 0, 0, 0x04, 0x02}, r);  // SetTmpPML 4, goto 2
   EXPECT_EQ(r.sprm[13], 4);
   EXPECT_EQ(out.goto_line, 2u);
 }
@@ -148,15 +148,15 @@ TEST(NavInstruction, SubInstructionLinksCarryTheirButton) {
 TEST(NavInstruction, SystemSetsOfStreamsHighlightAndTimer) {
   Registers r = Fresh();
   // SetSTN: audio 2 (b3, present bit), angle 1 (b5); no sub-picture.
-  Run({0x51, 0x00, 0x00, 0x82, 0x00, 0x81, 0, 0}, r);
+  Exec({0x51, 0x00, 0x00, 0x82, 0x00, 0x81, 0, 0}, r);
   EXPECT_EQ(r.sprm[1], 2);
   EXPECT_EQ(r.sprm[2], 62);
   EXPECT_EQ(r.sprm[3], 1);
   // SetHL_BTNN 2048: button 2.
-  Run({0x56, 0x00, 0x00, 0x00, 0x08, 0x00, 0, 0}, r);
+  Exec({0x56, 0x00, 0x00, 0x00, 0x08, 0x00, 0, 0}, r);
   EXPECT_EQ(r.highlighted_button(), 2);
   // SetNVTMR 5 s, chain 4.
-  Run({0x52, 0x00, 0x00, 0x05, 0x00, 0x00, 0x00, 0x04}, r);
+  Exec({0x52, 0x00, 0x00, 0x05, 0x00, 0x00, 0x00, 0x04}, r);
   EXPECT_EQ(r.sprm[9], 5);
   EXPECT_EQ(r.sprm[10], 4);
   EXPECT_FALSE(r.Advance(4 * kTicksPerSecond));
@@ -167,7 +167,7 @@ TEST(NavInstruction, SystemSetsOfStreamsHighlightAndTimer) {
 TEST(NavInstruction, CounterModeGprmCountsPlaybackSeconds) {
   // SetGPRMMD: value 10 (b2-b3), GPRM3 in counter mode (b5 bit 7).
   Registers r = Fresh();
-  Run({0x53, 0x00, 0x00, 0x0A, 0x00, 0x83, 0, 0}, r);
+  Exec({0x53, 0x00, 0x00, 0x0A, 0x00, 0x83, 0, 0}, r);
   EXPECT_TRUE(r.counter[3]);
   EXPECT_EQ(r.Gprm(3), 10);
   r.Advance(kTicksPerSecond * 5 / 2);
@@ -179,7 +179,7 @@ TEST(NavInstruction, CounterModeGprmCountsPlaybackSeconds) {
 TEST(NavInstruction, SetThenCompareThenLink) {
   // Type 4: mov GPRM1, 7 (b1 low nibble, b2-b3), then GPRM1 == 7 (b4-b5): LinkNextPGC.
   Registers r = Fresh();
-  Outcome out = Run({0x91, 0xA1, 0x00, 0x07, 0x00, 0x07, 0x00, 0x0A}, r);
+  Outcome out = Exec({0x91, 0xA1, 0x00, 0x07, 0x00, 0x07, 0x00, 0x0A}, r);
   EXPECT_EQ(r.Gprm(1), 7);
   ASSERT_TRUE(out.link);
   EXPECT_EQ(out.link->kind, LinkKind::kNextChain);
@@ -188,14 +188,14 @@ TEST(NavInstruction, SetThenCompareThenLink) {
 TEST(NavInstruction, CompareThenSetAndLink) {
   // Type 5: only when GPRM1 == 7 does it set and link; type 6 links whatever.
   Registers r = Fresh();
-  Outcome five = Run({0xB1, 0xA1, 0x00, 0x09, 0x00, 0x07, 0x00, 0x0A}, r);
+  Outcome five = Exec({0xB1, 0xA1, 0x00, 0x09, 0x00, 0x07, 0x00, 0x0A}, r);
   EXPECT_EQ(r.Gprm(1), 0);
   EXPECT_FALSE(five.link);
-  Outcome six = Run({0xD1, 0xA1, 0x00, 0x09, 0x00, 0x07, 0x00, 0x0A}, r);
+  Outcome six = Exec({0xD1, 0xA1, 0x00, 0x09, 0x00, 0x07, 0x00, 0x0A}, r);
   EXPECT_EQ(r.Gprm(1), 0);
   ASSERT_TRUE(six.link);
   r.SetGprm(1, 7);
-  Run({0xB1, 0xA1, 0x00, 0x09, 0x00, 0x07, 0x00, 0x0A}, r);
+  Exec({0xB1, 0xA1, 0x00, 0x09, 0x00, 0x07, 0x00, 0x0A}, r);
   EXPECT_EQ(r.Gprm(1), 9);
 }
 
@@ -204,11 +204,11 @@ TEST(NavInstruction, SetWithALinkAndAComparison) {
   // also hold the link's cell.
   CommandBytes bytes{0x71, 0xA7, 0x02, 0x00, 0x00, 0x03, 0x00, 0x02};
   Registers r = Fresh();
-  Outcome out = Run(bytes, r);
+  Outcome out = Exec(bytes, r);
   EXPECT_FALSE(out.link);
   EXPECT_EQ(r.Gprm(0), 0);
   bytes[1] = 0x07;  // no comparison: always
-  out = Run(bytes, r);
+  out = Exec(bytes, r);
   ASSERT_TRUE(out.link);
   EXPECT_EQ(out.link->kind, LinkKind::kCell);
   EXPECT_EQ(out.link->number, 2u);
