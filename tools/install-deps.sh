@@ -8,10 +8,11 @@
 #           dvdauthor and genisoimage for test discs and ISO images, nlohmann-json, python3
 #           for the damaged-disc tool, and
 #           groff, desktop-file-utils, zsh and fish for the manual page, desktop entry and
-#           completion checks (tools/test.sh)
+#           completion checks (tools/test.sh), graphviz (the dot tool) to read the navigation
+#           graph back
 #   sample  ffmpeg, dvdauthor, lsdvd, python3             (tools/make-sample-disc.sh)
 #   gui     Qt 6 Widgets                                  (the desktop tool)
-#   bench   Google Benchmark, time, genisoimage, python3  (bench/)
+#   bench   Google Benchmark, time, genisoimage, python3, ffmpeg and dvdauthor  (bench/)
 #   package dpkg-dev, file, lintian, groff, man-db, desktop-file-utils
 #           (tools/package.sh and tools/check-package.sh)
 #   screenshot  Xvfb, ImageMagick                         (tools/screenshot.sh)
@@ -22,10 +23,10 @@ set -euo pipefail
 build_packages=(cmake ninja-build g++ libcli11-dev pkg-config libudfread-dev libgraphviz-dev)
 test_packages=("${build_packages[@]}" libgtest-dev libgmock-dev
                ffmpeg lsdvd dvdauthor genisoimage nlohmann-json3-dev python3
-               groff-base desktop-file-utils zsh fish)
+               groff-base desktop-file-utils zsh fish graphviz)
 sample_packages=(ffmpeg dvdauthor lsdvd python3)
 gui_packages=(qt6-base-dev)
-bench_packages=(libbenchmark-dev time genisoimage python3)
+bench_packages=(libbenchmark-dev time genisoimage python3 ffmpeg dvdauthor)
 package_packages=(dpkg-dev file lintian groff-base man-db desktop-file-utils)
 screenshot_packages=(xvfb xauth imagemagick qt6-qpa-plugins)
 
