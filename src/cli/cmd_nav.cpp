@@ -5,6 +5,8 @@
 
 #include "cli/cli.h"
 #include "nav/analysis.h"
+#include "nav/graph_dot.h"
+#include "nav/graph_svg.h"
 #include "nav/machine.h"
 #include "nav/play_output.h"
 
@@ -125,10 +127,47 @@ void AddPlay(CLI::App& app, Session& session) {
   });
 }
 
+void AddGraph(CLI::App& app, Session& session) {
+  struct Options {
+    std::string disc, svg;
+  };
+  auto o = std::make_shared<Options>();
+  CLI::App* cmd =
+      app.add_subcommand("graph", "Print the navigation graph of a disc as Graphviz DOT");
+  cmd->footer(
+      "One node per program chain (first play, menus, titles), one edge per place a command\n"
+      "or a button can send playback: pre, post and cell commands, buttons of menu cells,\n"
+      "the chains' next links. Conditional edges are dashed, button edges carry the button\n"
+      "number, chains no path reaches are grey, chains on a loop that plays nothing are red.\n"
+      "--svg FILE also draws the graph as SVG with Graphviz's library.\n"
+      "\n"
+      "Exit status: 0 when the graph was written, 1 when the disc cannot be read or the SVG\n"
+      "cannot be written, 2 for a usage error.");
+  cmd->add_option("DISC", o->disc, kDiscHelp)->required()->type_name("PATH");
+  cmd->add_option("--svg", o->svg, "Also draw the graph as SVG into FILE")->type_name("FILE");
+  cmd->callback([&session, o] {
+    session.action = [&session, o] {
+      std::optional<Disc> disc = Load("graph", o->disc, session);
+      if (!disc) return;
+      nav::NavAnalysis analysis = nav::Analyze(*disc);
+      std::string dot = nav::GraphToDot(nav::BuildGraph(*disc, analysis), o->disc);
+      Print(dot);
+      session.exit_status = 0;
+      if (o->svg.empty()) return;
+      std::string error;
+      if (!nav::WriteGraphSvg(dot, o->svg, error)) {
+        std::fprintf(stderr, "tarvex-cli graph: %s: %s\n", o->svg.c_str(), error.c_str());
+        session.exit_status = 1;
+      }
+    };
+  });
+}
+
 }  // namespace
 
 void AddNavCommands(CLI::App& app, Session& session) {
   AddPlay(app, session);
+  AddGraph(app, session);
 }
 
 }  // namespace tarvex::cli

@@ -188,8 +188,9 @@ class Analyzer {
     }
   }
 
+  // after_comparison: reaching the commands at all depends on a comparison.
   void AddLinks(std::size_t from, const Pgc& pgc, const Walk& walk, const std::string& where,
-                bool hangs, std::uint32_t button) {
+                bool hangs, std::uint32_t button, bool after_comparison = false) {
     for (const FoundLink& f : walk.links) {
       // A link to a cell or program of the chain plays a cell: it cannot hang.
       bool to_chain = f.link.kind == LinkKind::kChain || f.link.kind == LinkKind::kTopChain ||
@@ -197,7 +198,8 @@ class Analyzer {
                       f.link.kind == LinkKind::kGoUpChain || f.link.kind >= LinkKind::kExit;
       std::string label = button ? Format("button %d", {button}) : Format("%s %d", {where, f.line});
       for (std::size_t to : Targets(a_.chains[from], pgc, f.link)) {
-        a_.edges[from].push_back({to, f.conditional, button, hangs && to_chain, label});
+        a_.edges[from].push_back(
+            {to, f.conditional || after_comparison, button, hangs && to_chain, label});
       }
     }
     if (a_.chains[from].domain == Domain::kVtsTitle) {
@@ -247,11 +249,14 @@ class Analyzer {
       for (FoundLink& f : walk.links) f.line = n;
       AddLinks(from, *pgc, walk, "cell", false, 0);
     }
+    // Without a cell to play, the post commands run only where the pre commands fall through.
+    bool after_comparison = !plays && !tail && !pre.falls_always;
     Walk post = WalkCommands(pgc->post);
-    AddLinks(from, *pgc, post, "post", post_hangs, 0);
+    AddLinks(from, *pgc, post, "post", post_hangs, 0, after_comparison);
     if (post.falls_through) {
       for (std::size_t to : SameDomain(a_.chains[from], pgc->next)) {
-        a_.edges[from].push_back({to, !post.falls_always, 0, post_hangs, "next"});
+        a_.edges[from].push_back(
+            {to, !post.falls_always || after_comparison, 0, post_hangs, "next"});
       }
     }
     AddButtonEdges(from, *pgc);

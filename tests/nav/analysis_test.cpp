@@ -58,7 +58,23 @@ TEST(NavAnalysis, AnUnconditionalCycleOfCellLessChainsIsAnError) {
 }
 
 TEST(NavAnalysis, ACycleThatDependsOnAComparisonIsAWarning) {
-  // Chain 1 links to 2 only while GPRM0 < 3; chain 2 links back always.
+  // Chain 1 links to its next chain 2 only while GPRM0 < 3 (else it stops); chain 2 links
+  // back always.
+  Pgc menu = Chain({test::IfLessLinkSub(0, 3, 10)}, 0, {});
+  menu.next = 2;
+  menu.post = {test::Exit()};
+  Disc disc = DiscBuilder()
+                  .FirstPlay({test::JumpVmgTitleMenu()})
+                  .VmgMenu(test::Entry(menu, 2))
+                  .VmgMenu(Chain({test::LinkChain(1)}, 0, {}))
+                  .Build();
+  std::vector<std::string> lines = Lines(disc);
+  ASSERT_EQ(lines.size(), 1u);
+  EXPECT_EQ(lines[0].rfind("warning VIDEO_TS.IFO:VMGM_PGCI_UT#1 nav.loop:", 0), 0u) << lines[0];
+}
+
+TEST(NavAnalysis, BothWaysOfAComparisonLeadingOnIsAnError) {
+  // Chain 1 links to its next chain 2 while GPRM0 < 3, and falls through to it otherwise.
   Pgc menu = Chain({test::IfLessLinkSub(0, 3, 10)}, 0, {});
   menu.next = 2;
   Disc disc = DiscBuilder()
@@ -68,7 +84,7 @@ TEST(NavAnalysis, ACycleThatDependsOnAComparisonIsAWarning) {
                   .Build();
   std::vector<std::string> lines = Lines(disc);
   ASSERT_EQ(lines.size(), 1u);
-  EXPECT_EQ(lines[0].rfind("warning VIDEO_TS.IFO:VMGM_PGCI_UT#1 nav.loop:", 0), 0u) << lines[0];
+  EXPECT_EQ(lines[0].rfind("error VIDEO_TS.IFO:VMGM_PGCI_UT#1 nav.loop:", 0), 0u) << lines[0];
 }
 
 TEST(NavAnalysis, ACycleThatPlaysACellIsNoLoop) {
