@@ -80,6 +80,9 @@ constexpr CheckInfo kChecks[] = {
     {"vob.first-pack", E, "a VOB set that does not begin with a navigation pack"},
     {"vob.mux-rate", W, "a pack whose program_mux_rate is above 10.08 Mbit/s"},
     {"vob.scr-order", W, "a pack whose SCR is lower than the one before it in the same VOB"},
+    {"vob.unplayed", I,
+     "records of a VOB set that no cell of any program chain of its domain plays (their "
+     "streams are not checked)"},
     // Streams.
     {"stream.missing", E,
      "a declared stream that its program chain's control maps to an id found in none of the "

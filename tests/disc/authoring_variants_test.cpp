@@ -1,0 +1,138 @@
+// What real discs from other authoring programs do differently, built from copies of the
+// sample: content that no chain plays, language codes that name no language, IFOs padded past
+// their information part, and folders of title sets without VIDEO_TS.IFO. The offsets and
+// expected values come from the sample's tables (samples/README.md and its IFO reports):
+// VIDEO_TS.IFO has 6 sectors (VMGI_EA 5, VMG_EA 39), TT_SRPT at sector 1, VMGM_PGCI_UT at 2 with
+// one language unit "en" of one chain (1 program, 1 cell, sectors 0 to 27 of the 28 of
+// VIDEO_TS.VOB); VTS_01_0.IFO has 9 sectors (VTSI_EA 8, VTS_EA 1291), its menu VOB 28 sectors
+// and its title VOB 1246.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "disc/checks.h"
+#include "disc/disc_test_support.h"
+#include "disc/info.h"
+#include "disc/verify.h"
+
+namespace tarvex {
+namespace {
+
+constexpr std::size_t kSector = 2048;
+
+std::string VideoTs(const std::string& disc) {
+  return disc + "/VIDEO_TS/";
+}
+
+// An IFO change written into the IFO and its backup alike.
+void PatchIfo(const std::string& disc, const std::string& ifo, std::size_t offset,
+              const std::vector<std::uint8_t>& bytes) {
+  test::Patch(VideoTs(disc) + ifo + ".IFO", offset, bytes);
+  test::Patch(VideoTs(disc) + ifo + ".BUP", offset, bytes);
+}
+
+std::vector<std::string> Lines(const VerifyResult& r) {
+  std::vector<std::string> lines;
+  for (const Finding& f : r.findings) lines.push_back(FindingLine(f));
+  return lines;
+}
+
+Disc Load(const std::string& path) {
+  std::string error;
+  std::optional<Disc> disc = LoadDisc(path, error);
+  EXPECT_TRUE(disc) << error;
+  return disc ? std::move(*disc) : Disc{};
+}
+
+// ---- content that no chain plays ----------------------------------------------------------
+
+// The video manager menu's only chain (pointer at 2 x 2048 + 16 + 8, chain at unit offset 16
+// + its offset) loses its cell: programs and cells 0, playback time 0. The menu is also
+// declared 16:9 (VMGM_V_ATR 0x43 -> 0x4F), while the sequence headers of VIDEO_TS.VOB say
+// 4:3. Its AC-3 (0x80) and sub-picture (0x20) packs are then played by no chain.
+std::string MenuWithoutCells(const test::TempDir& dir) {
+  std::string disc = test::CopySample(dir, "no-cells");
+  std::vector<std::uint8_t> ifo = test::ReadFileBytes(VideoTs(disc) + "VIDEO_TS.IFO");
+  std::size_t unit = 2 * kSector + 16;
+  std::size_t chain = unit + ((std::size_t{ifo[unit + 12]} << 24) | (ifo[unit + 13] << 16) |
+                              (ifo[unit + 14] << 8) | ifo[unit + 15]);
+  EXPECT_EQ(ifo[chain + 2], 1);  // 1 program
+  EXPECT_EQ(ifo[chain + 3], 1);  // 1 cell
+  PatchIfo(disc, "VIDEO_TS", chain + 2, {0, 0, 0, 0, 0, 0});
+  PatchIfo(disc, "VIDEO_TS", 0x100, {0x4F});
+  return disc;
+}
+
+TEST(AuthoringVariants, ContentNoChainPlaysIsOneNoteNotStreamErrors) {
+  test::TempDir dir;
+  VerifyResult r = test::VerifyAt(MenuWithoutCells(dir));
+  EXPECT_EQ(Lines(r), (std::vector<std::string>{
+                          "info VIDEO_TS.VOB@0 vob.unplayed: 28 records that no cell of any menu "
+                          "chain plays: VIDEO_TS.VOB records 0 to 27"}));
+  EXPECT_EQ(r.errors, 0u);
+  EXPECT_EQ(r.infos, 1u);
+}
+
+// The pack and navigation pack checks still read every record: a navigation pack that no cell
+// plays (record 10 of VIDEO_TS.VOB, PCI nv_pck_lbn at 45) is still checked.
+TEST(AuthoringVariants, NavigationPacksNoChainPlaysAreStillChecked) {
+  test::TempDir dir;
+  std::string disc = MenuWithoutCells(dir);
+  test::Patch(VideoTs(disc) + "VIDEO_TS.VOB", 10 * kSector + 45, {0, 0, 0, 11});
+  VerifyResult r = test::VerifyAt(disc);
+  EXPECT_EQ(Lines(r),
+            (std::vector<std::string>{
+                "error VIDEO_TS.VOB@10 nav.lbn: at sector 10, PCI says 11 and DSI says 10",
+                "info VIDEO_TS.VOB@0 vob.unplayed: 28 records that no cell of any menu "
+                "chain plays: VIDEO_TS.VOB records 0 to 27"}));
+}
+
+// One pass over VTS_01_0.VOB (navigation packs at 0, 10 and 18, the sub-picture pack at 8) with
+// a chain whose one cell plays sectors 10 to 17: the sub-picture stream is not among the
+// streams found, the records before and after the cell are one note with two ranges.
+TEST(AuthoringVariants, OnlyThePacksACellPlaysCountAsItsStreams) {
+  Disc disc = Load(test::SampleDisc());
+  const TitleSet& ts = disc.title_sets.at(0);
+  Pgc pgc;
+  pgc.number = 1;
+  Cell cell;
+  cell.first_sector = 10;
+  cell.last_sector = 17;
+  cell.vob_id = 1;
+  cell.cell_id = 1;
+  pgc.cells.push_back(cell);
+  std::vector<DomainChain> chains = {{&pgc, 1, ""}};
+  VobSetNames names{
+      ts.ifo_name, "VTSM_C_ADT", "VTSM_VOBU_ADMAP", "VTSM_PGCI_UT", "VTSI_MAT", "menu", {}};
+  Findings out;
+  StreamPresence found = ScanVobSet(disc, ts.menu_vobs, names, PlayedSectors(chains), out);
+  EXPECT_FALSE(found.all[0x20]);
+  EXPECT_TRUE(found.all[0xE0]);
+  ASSERT_EQ(out.all().size(), 1u);
+  EXPECT_EQ(FindingLine(out.all()[0]),
+            "info VTS_01_0.VOB@0 vob.unplayed: 20 records that no cell of any menu chain plays: "
+            "VTS_01_0.VOB records 0 to 9, 18 to 27");
+}
+
+TEST(AuthoringVariants, PlayedSectorsMergeTheCellsOfEveryChain) {
+  Pgc a, b;
+  for (auto [first, last] : {std::pair{20u, 29u}, std::pair{0u, 9u}}) {
+    Cell c;
+    c.first_sector = first;
+    c.last_sector = last;
+    a.cells.push_back(c);
+  }
+  Cell overlapping, reversed;
+  overlapping.first_sector = 5;
+  overlapping.last_sector = 12;
+  reversed.first_sector = 50;  // a damaged cell that ends before it starts plays nothing
+  reversed.last_sector = 40;
+  b.cells = {overlapping, reversed};
+  PlayedSectors played({{&a, 1, ""}, {&b, 1, ""}});
+  for (std::uint64_t s : {0, 9, 12, 20, 29}) EXPECT_TRUE(played.Contains(s)) << s;
+  for (std::uint64_t s : {13, 19, 30, 40, 45, 50}) EXPECT_FALSE(played.Contains(s)) << s;
+  EXPECT_FALSE(PlayedSectors({}).Contains(0));
+}
+
+}  // namespace
+}  // namespace tarvex
