@@ -301,7 +301,7 @@ void WriteMenus(JsonWriter& j, const std::vector<LanguageUnit>& units, const cha
       } else {
         j.Null();
       }
-      j.Member("language", unit.language);
+      WriteOptionalText(j, "language", unit.code());
       j.MemberUint("number", pgc.number);
       const char* menu = pgc.entry() ? MenuName(pgc.menu_id()) : nullptr;
       j.Key("entry");
@@ -385,7 +385,7 @@ void MenuText(std::string& out, const std::vector<LanguageUnit>& units, const st
     for (const Pgc& pgc : unit.pgcs) {
       const char* menu = pgc.entry() ? MenuName(pgc.menu_id()) : nullptr;
       out += Format("  %s, language %s, PGC %d%s: %s, %s\n",
-                    {where, unit.language, pgc.number,
+                    {where, Language(unit.code()), pgc.number,
                      menu ? std::string(" (") + menu + " menu)" : std::string(), pgc.time.Text(),
                      Counted(pgc.cells.size(), "cell")});
     }

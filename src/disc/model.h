@@ -58,6 +58,12 @@ struct Pgc {
 
 struct LanguageUnit {
   std::string language;  // two characters as stored
+  // The language as a code of two letters, nothing when the unit's code names none.
+  std::optional<std::string> code() const {
+    if (language.size() != 2) return std::nullopt;
+    return SpecifiedLanguage(static_cast<std::uint8_t>(language[0]),
+                             static_cast<std::uint8_t>(language[1]));
+  }
   std::uint8_t existence = 0;
   std::uint32_t offset = 0;
   std::vector<Pgc> pgcs;

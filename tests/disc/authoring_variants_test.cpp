@@ -134,5 +134,59 @@ TEST(AuthoringVariants, PlayedSectorsMergeTheCellsOfEveryChain) {
   EXPECT_FALSE(PlayedSectors({}).Contains(0));
 }
 
+// ---- unspecified languages ----------------------------------------------------------------
+
+// VTSI_MAT: audio stream 1's language (0x204 + 2) 0xFFFF, audio stream 2's (0x20C + 2) 0x0000,
+// sub-picture stream 1's (0x256 + 2) 0xFFFF; the language units of VMGM_PGCI_UT (sector 2) and
+// VTSM_PGCI_UT (sector 3) 0x0000 and 0xFFFF.
+std::string UnspecifiedLanguages(const test::TempDir& dir) {
+  std::string disc = test::CopySample(dir, "languages");
+  PatchIfo(disc, "VTS_01_0", 0x206, {0xFF, 0xFF});
+  PatchIfo(disc, "VTS_01_0", 0x20E, {0x00, 0x00});
+  PatchIfo(disc, "VTS_01_0", 0x258, {0xFF, 0xFF});
+  PatchIfo(disc, "VTS_01_0", 3 * kSector + 8, {0xFF, 0xFF});
+  PatchIfo(disc, "VIDEO_TS", 2 * kSector + 8, {0x00, 0x00});
+  return disc;
+}
+
+TEST(AuthoringVariants, LanguageCodesThatAreNoLettersAreNullInJson) {
+  test::TempDir dir;
+  nlohmann::json j = test::ParseJson(DiscInfoJson(Load(UnspecifiedLanguages(dir))));
+  const nlohmann::json& title = j["titles"][0];
+  ASSERT_EQ(title["audio"].size(), 3u);
+  EXPECT_TRUE(title["audio"][0]["language"].is_null());
+  EXPECT_TRUE(title["audio"][1]["language"].is_null());
+  EXPECT_EQ(title["audio"][2]["language"], "de");
+  ASSERT_EQ(title["subpictures"].size(), 1u);
+  EXPECT_TRUE(title["subpictures"][0]["language"].is_null());
+  // The video manager's title menu, the title set's root menu and its second chain.
+  ASSERT_EQ(j["menus"].size(), 3u);
+  for (const nlohmann::json& menu : j["menus"]) EXPECT_TRUE(menu["language"].is_null()) << menu;
+}
+
+TEST(AuthoringVariants, LanguageCodesThatAreNoLettersAreDashesInText) {
+  test::TempDir dir;
+  std::string text = DiscInfoText(Load(UnspecifiedLanguages(dir)));
+  for (const char* line :
+       {"  Audio 1: -- ac3, 48000 Hz, 2 channels, stream 0x80\n",
+        "  Audio 2: -- lpcm, 48000 Hz, 2 channels, stream 0xa1\n",
+        "  Audio 3: de mpeg1, 48000 Hz, 2 channels, stream 0xc2\n",
+        "  Subpicture 1: --, stream 0x20\n", "  Video manager, language --, PGC 1 (title menu): ",
+        "  Title set 1, language --, PGC 1 (root menu): "}) {
+    EXPECT_NE(text.find(line), std::string::npos) << line << "\n" << text;
+  }
+  for (char c : text) EXPECT_TRUE(c == '\n' || (c >= 0x20 && c < 0x7F)) << int(c);
+}
+
+TEST(AuthoringVariants, SpecifiedLanguageIsTwoAsciiLetters) {
+  EXPECT_EQ(SpecifiedLanguage('e', 'n'), "en");
+  EXPECT_EQ(SpecifiedLanguage('D', 'E'), "DE");
+  EXPECT_EQ(SpecifiedLanguage(0xFF, 0xFF), std::nullopt);
+  EXPECT_EQ(SpecifiedLanguage(0, 0), std::nullopt);
+  EXPECT_EQ(SpecifiedLanguage('e', 0), std::nullopt);
+  EXPECT_EQ(SpecifiedLanguage('1', '2'), std::nullopt);
+  EXPECT_EQ(SpecifiedLanguage(0xE9, 'n'), std::nullopt);  // Latin-1, not ASCII
+}
+
 }  // namespace
 }  // namespace tarvex
