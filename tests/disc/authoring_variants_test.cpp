@@ -188,5 +188,80 @@ TEST(AuthoringVariants, SpecifiedLanguageIsTwoAsciiLetters) {
   EXPECT_EQ(SpecifiedLanguage(0xE9, 'n'), std::nullopt);  // Latin-1, not ASCII
 }
 
+// ---- padded IFOs --------------------------------------------------------------------------
+
+// An IFO and its backup padded with zeros to 16 sectors; the VOB start sectors that follow
+// move on by the padding.
+void PadIfo(const std::string& disc, const std::string& ifo, std::size_t sectors) {
+  for (const char* extension : {".IFO", ".BUP"}) {
+    std::string path = VideoTs(disc) + ifo + extension;
+    std::vector<std::uint8_t> bytes = test::ReadFileBytes(path);
+    bytes.resize(sectors * kSector);
+    test::WriteFileBytes(path, bytes);
+  }
+}
+
+std::vector<std::uint8_t> Be32(std::uint32_t v) {
+  return {static_cast<std::uint8_t>(v >> 24), static_cast<std::uint8_t>(v >> 16),
+          static_cast<std::uint8_t>(v >> 8), static_cast<std::uint8_t>(v)};
+}
+
+// VIDEO_TS.IFO padded from 6 to 16 sectors, VMGI_EA still 5: the menu VOB starts at 16
+// (VMGM_VOBS_SA at 0xC0), the BUP at 16 + 28 = 44, VMG_EA (at 0x0C) counts 16 + 28 + 16 = 60
+// sectors, 59, and the title set starts at 60 (TT_SRPT title 1's start sector at 2048 + 8 + 8).
+// A player looking for the backup at VMG_EA - VMGI_EA = 54 reads sectors 10 to 15 of the BUP.
+TEST(AuthoringVariants, PaddedVideoManagerIfoIsABackupWarning) {
+  test::TempDir dir;
+  std::string disc = test::CopySample(dir, "padded-vmg");
+  PadIfo(disc, "VIDEO_TS", 16);
+  PatchIfo(disc, "VIDEO_TS", 0xC0, Be32(16));
+  PatchIfo(disc, "VIDEO_TS", 0x0C, Be32(59));
+  PatchIfo(disc, "VIDEO_TS", kSector + 16, Be32(60));
+  VerifyResult r = test::VerifyAt(disc);
+  EXPECT_EQ(Lines(r),
+            (std::vector<std::string>{
+                "warning VIDEO_TS.IFO:VMGI_MAT ifo.backup-address: VMG_EA 59 - VMGI_EA 5 puts the "
+                "backup at sector 54, but VIDEO_TS.BUP starts at sector 44: a player that locates "
+                "the backup by these addresses reads the wrong sectors"}));
+  EXPECT_EQ(r.errors, 0u);
+}
+
+// VTS_01_0.IFO padded from 9 to 16 sectors, VTSI_EA still 8: menu VOB at 16 (VTSM_VOBS_SA at
+// 0xC0), title VOB at 44 (VTSTT_VOBS_SA at 0xC4), BUP at 44 + 1246 = 1290, VTS_EA 1305.
+TEST(AuthoringVariants, PaddedTitleSetIfoIsABackupWarning) {
+  test::TempDir dir;
+  std::string disc = test::CopySample(dir, "padded-vts");
+  PadIfo(disc, "VTS_01_0", 16);
+  PatchIfo(disc, "VTS_01_0", 0xC0, Be32(16));
+  PatchIfo(disc, "VTS_01_0", 0xC4, Be32(44));
+  PatchIfo(disc, "VTS_01_0", 0x0C, Be32(1305));
+  VerifyResult r = test::VerifyAt(disc);
+  EXPECT_EQ(Lines(r),
+            (std::vector<std::string>{
+                "warning VTS_01_0.IFO:VTSI_MAT ifo.backup-address: VTS_EA 1305 - VTSI_EA 8 puts "
+                "the backup at sector 1297, but VTS_01_0.BUP starts at sector 1290: a player "
+                "that locates the backup by these addresses reads the wrong sectors"}));
+}
+
+// VMGI_EA (at 0x1C) past the file, or short of the tables (VMGM_VOBU_ADMAP starts at sector
+// 5): errors, as before.
+TEST(AuthoringVariants, InformationEndPastTheFileOrShortOfTheTablesIsAnError) {
+  test::TempDir dir;
+  std::string past = test::CopySample(dir, "past");
+  PatchIfo(past, "VIDEO_TS", 0x1C, Be32(6));
+  EXPECT_EQ(Lines(test::VerifyAt(past, true)),
+            (std::vector<std::string>{"error VIDEO_TS.IFO:VMGI_MAT ifo.end-address: VMGI_EA 6, "
+                                      "but the IFO has 6 sectors (0 to 5): it ends past the "
+                                      "file"}));
+  std::string short_of = test::CopySample(dir, "short");
+  PatchIfo(short_of, "VIDEO_TS", 0x1C, Be32(4));
+  VerifyResult r = test::VerifyAt(short_of, true);
+  ASSERT_FALSE(r.findings.empty());
+  EXPECT_EQ(FindingLine(r.findings[0]),
+            "error VIDEO_TS.IFO:VMGI_MAT ifo.end-address: VMGI_EA 4, but the tables of the IFO "
+            "reach sector 5");
+  for (const Finding& f : r.findings) EXPECT_EQ(f.severity, Severity::kError) << FindingLine(f);
+}
+
 }  // namespace
 }  // namespace tarvex
