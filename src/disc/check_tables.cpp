@@ -214,7 +214,7 @@ void CheckAttributeRecord(const Disc& disc, const TitleSet& ts, Findings& out) {
 }  // namespace
 
 void CheckInformationTables(const Disc& disc, Findings& out) {
-  CheckVideoManagerAddresses(disc, out);
+  if (disc.vmg.ifo_found) CheckVideoManagerAddresses(disc, out);
   std::uint32_t on_disc = 0;
   for (const TitleSet& ts : disc.title_sets) {
     if (disc.access->Find(ts.ifo_name) != nullptr) on_disc = ts.number;
@@ -222,6 +222,7 @@ void CheckInformationTables(const Disc& disc, Findings& out) {
     CheckTitleSetAddresses(disc, ts, out);
     CheckAttributeRecord(disc, ts, out);
   }
+  if (!disc.vmg.ifo_found) return;  // file.missing says so; the title sets stand on their own
   if (on_disc != disc.vmg.title_set_count) {
     out.AtTable("ifo.title-set-count", "VIDEO_TS.IFO", "VMGI_MAT", 0,
                 Format("VMG_NS %d, but the last title set on the disc is %d",

@@ -263,5 +263,99 @@ TEST(AuthoringVariants, InformationEndPastTheFileOrShortOfTheTablesIsAnError) {
   for (const Finding& f : r.findings) EXPECT_EQ(f.severity, Severity::kError) << FindingLine(f);
 }
 
+// ---- folders of title sets without VIDEO_TS.IFO -------------------------------------------
+
+std::string WithoutVideoManager(const test::TempDir& dir, const std::string& name) {
+  std::string disc = test::CopySample(dir, name);
+  for (const char* file : {"VIDEO_TS.IFO", "VIDEO_TS.BUP", "VIDEO_TS.VOB"}) {
+    std::filesystem::remove(VideoTs(disc) + file);
+  }
+  return disc;
+}
+
+// The buttons of the title set's menu jump to title 1 of the video manager's TT_SRPT: without
+// the video manager the titles are not known, so such a jump is no finding.
+TEST(AuthoringVariants, FolderWithoutVideoManagerVerifiesItsTitleSets) {
+  test::TempDir dir;
+  std::string disc = WithoutVideoManager(dir, "partial");
+  EXPECT_EQ(Lines(test::VerifyAt(disc)),
+            (std::vector<std::string>{"error VIDEO_TS.IFO file.missing: the video manager's IFO "
+                                      "is missing: each title set is checked on its own"}));
+  // Its title set is checked: a navigation pack fault of the title VOB (record 30) is found.
+  test::Patch(VideoTs(disc) + "VTS_01_1.VOB", 30 * kSector + 45, {0, 0, 0, 31});
+  std::vector<std::string> lines = Lines(test::VerifyAt(disc));
+  ASSERT_EQ(lines.size(), 2u);
+  EXPECT_EQ(lines[1], "error VTS_01_1.VOB@30 nav.lbn: at sector 30, PCI says 31 and DSI says 30");
+}
+
+// Two title sets (the sample's copied as title set 2): each title is numbered within its set.
+TEST(AuthoringVariants, InfoListsTheTitlesOfEachTitleSet) {
+  test::TempDir dir;
+  std::string disc = WithoutVideoManager(dir, "two-sets");
+  for (const char* file : {"0.IFO", "0.BUP", "0.VOB", "1.VOB"}) {
+    std::filesystem::copy_file(VideoTs(disc) + "VTS_01_" + file, VideoTs(disc) + "VTS_02_" + file);
+  }
+  Disc loaded = Load(disc);
+  nlohmann::json j = test::ParseJson(DiscInfoJson(loaded));
+  EXPECT_TRUE(j["vmg"].is_null());
+  EXPECT_TRUE(j["longest_title"].is_null());
+  ASSERT_EQ(j["titles"].size(), 2u);
+  for (int set = 1; set <= 2; ++set) {
+    const nlohmann::json& t = j["titles"][set - 1];
+    EXPECT_EQ(t["number"], 1);
+    EXPECT_EQ(t["title_set"], set);
+    EXPECT_EQ(t["title_in_set"], 1);
+    EXPECT_EQ(t["length"], 8.0);
+    EXPECT_EQ(t["angles"], 1);
+    EXPECT_EQ(t["chapters"].size(), 3u);
+  }
+  // The root menu and the second chain of each title set's menu unit.
+  EXPECT_EQ(j["menus"].size(), 4u);
+  std::string text = DiscInfoText(loaded);
+  EXPECT_NE(text.find("Video manager: none (no VIDEO_TS.IFO); titles numbered within their "
+                      "title sets\nTitle 1: title set 1, title 1, 00:00:08.000, 3 chapters, "
+                      "3 cells, 1 angle\n"),
+            std::string::npos)
+      << text;
+  EXPECT_NE(text.find("\nTitle 1: title set 2, title 1, 00:00:08.000, 3 chapters, 3 cells, "
+                      "1 angle\n"),
+            std::string::npos)
+      << text;
+  EXPECT_EQ(text.find("Longest title"), std::string::npos);
+  EXPECT_EQ(Lines(VerifyDisc(loaded)),
+            (std::vector<std::string>{"error VIDEO_TS.IFO file.missing: the video manager's IFO "
+                                      "is missing: each title set is checked on its own"}));
+}
+
+// A title set with VOBs but no IFO, and a folder with no IFO at all.
+TEST(AuthoringVariants, FolderWithoutAnyIfo) {
+  test::TempDir dir;
+  std::string disc = WithoutVideoManager(dir, "no-ifo");
+  std::filesystem::copy_file(VideoTs(disc) + "VTS_01_1.VOB", VideoTs(disc) + "VTS_02_1.VOB");
+  VerifyResult r = test::VerifyAt(disc, true);
+  EXPECT_EQ(Lines(r), (std::vector<std::string>{
+                          "error VIDEO_TS.IFO file.missing: the video manager's IFO is missing: "
+                          "each title set is checked on its own",
+                          "error VTS_02_0.IFO file.missing: title set 2 has VOB files, but its "
+                          "IFO is missing"}));
+  std::filesystem::remove(VideoTs(disc) + "VTS_01_0.IFO");
+  std::string error;
+  EXPECT_FALSE(LoadDisc(disc, error));
+  EXPECT_EQ(error, "no VIDEO_TS.IFO and no title set IFO (VTS_nn_0.IFO)");
+}
+
+TEST(AuthoringVariants, CliInfoAndVerifyReadAFolderWithoutVideoManager) {
+#ifdef TARVEX_CLI_PATH
+  test::TempDir dir;
+  std::string disc = WithoutVideoManager(dir, "cli");
+  test::CliRun info = test::RunCli({"info", "--json", disc});
+  EXPECT_EQ(info.status, 0) << info.err;
+  EXPECT_TRUE(test::ParseJson(info.out)["vmg"].is_null());
+  test::CliRun verify = test::RunCli({"verify", disc});
+  EXPECT_EQ(verify.status, 1);
+  EXPECT_NE(verify.out.find("file.missing"), std::string::npos) << verify.out;
+#endif
+}
+
 }  // namespace
 }  // namespace tarvex
