@@ -225,6 +225,27 @@ def file_size(d):
     return f'file.size {last}'
 
 
+def backup_address(d):
+    # VTS_01_0.IFO and its backup padded with 7 sectors of zeros past the information part
+    # (VTSI_EA unchanged), the VOBs after it moved on by 7 sectors and the title set by 14: a
+    # player looking for the backup at VTS_EA - VTSI_EA reads 7 sectors before it.
+    pad = 7
+    for name in (VTS, VTS[:-3] + 'BUP'):
+        if os.path.exists(d.path(name)):
+            with open(d.path(name), 'ab') as f:
+                f.write(bytes(pad * SECTOR))
+    for key in (0xC0, 0xC4):  # VTSM_VOBS_SA (0 without a menu VOB), VTSTT_VOBS_SA
+        if d.u(VTS, key, 4) != 0:
+            d.ifo(VTS, key, be32(d.u(VTS, key, 4) + pad))
+    d.ifo(VTS, 0x0C, be32(d.u(VTS, 0x0C, 4) + 2 * pad))
+    # Titles of the title sets after it start 14 sectors later.
+    for title in range(1, d.u(VMG, d.table(VMG, 0xC4), 2) + 1):
+        at = d.tt_entry(title)
+        if d.u(VMG, at + 6, 1) > 1:
+            d.ifo(VMG, at + 8, be32(d.u(VMG, at + 8, 4) + 2 * pad))
+    return f'ifo.backup-address {VTS}:VTSI_MAT'
+
+
 def end_address(d):
     d.ifo(VTS, 0x0C, be32(d.u(VTS, 0x0C, 4) - 11))
     return f'ifo.end-address {VTS}:VTSI_MAT'
@@ -565,6 +586,19 @@ def identifier(d):
     return f'ifo.identifier {VTS}:VTSI_MAT'
 
 
+def vob_unplayed(d):
+    # Every chain of every language unit of VMGM_PGCI_UT loses its cells: programs, cells and
+    # playback time 0. Nothing plays VIDEO_TS.VOB then.
+    if not os.path.exists(d.path('VIDEO_TS.VOB')):
+        raise Unfit('the video manager has no menu VOB')
+    table = d.table(VMG, 0xC8)
+    for unit in range(d.u(VMG, table, 2)):
+        block = table + d.u(VMG, table + 8 + 8 * unit + 4, 4)
+        for chain in range(d.u(VMG, block, 2)):
+            d.ifo(VMG, block + d.u(VMG, block + 8 + 8 * chain + 4, 4) + 2, bytes(6))
+    return 'vob.unplayed VIDEO_TS.VOB@0'
+
+
 def first_pack(d):
     d.patch('VTS_01_1.VOB', 38, [0, 0, 1, 0xBE])
     return 'vob.first-pack VTS_01_1.VOB@0'
@@ -585,6 +619,8 @@ CASES = {
     'file-unknown': ('a README.TXT in VIDEO_TS', readme),
     'identifier': ('VTS_01_0.IFO identifier DVDVIDEO-VTX', identifier),
     'end-address': ('VTS_EA 11 sectors less (the files need more)', end_address),
+    'backup-address': ('VTS_01_0.IFO and its BUP padded with 7 sectors, the VOB start sectors '
+                       'and VTS_EA moved on to match', backup_address),
     'table-outside': ('VMGI_MAT TXTDT_MG start sector one beyond the IFO', table_outside),
     'table-end': ('VTS_C_ADT end address 4 more (not a whole cell entry)', table_end),
     'title-set-count': ('VMG_NS one more', title_set_count),
@@ -660,6 +696,8 @@ CASES = {
                    first_pack),
     'vob-pack': ('record 100 (or the next that is no navigation pack): no pack start code',
                  pack_field(lambda d: 100, 0, bytes(4), 'vob.pack')),
+    'vob-unplayed': ('VMGM_PGCI_UT: every menu chain without cells (programs, cells and time 0)',
+                     vob_unplayed),
     'stream-missing': ('title chain: audio stream 2 plays through a stream number two on that '
                        'no pack has', chain_fault('stream.missing', stream_missing)),
     'stream-undeclared': ('the first MPEG audio pack (else AC-3) takes an id three on that no '

@@ -44,6 +44,10 @@ void AddInfo(CLI::App& app, Session& session) {
       "sub-picture stream control maps each declared stream to a stream number (for a 16:9\n"
       "title the wide-screen number of the sub-picture control), not its position.\n"
       "\n"
+      "A language code that is not two ASCII letters names no language: -- (null in JSON).\n"
+      "A folder of title sets without VIDEO_TS.IFO is read too: no video manager (\"vmg\":\n"
+      "null) and each title set's titles, numbered within their set.\n"
+      "\n"
       "With --json the same as one JSON object (RFC 8259): {\"disc\", \"vmg\",\n"
       "\"titles\": [{\"number\", \"title_set\", \"title_in_set\", \"length\", \"angles\", "
       "\"video\",\n"
@@ -64,8 +68,11 @@ void AddInfo(CLI::App& app, Session& session) {
         session.exit_status = 1;
         return;
       }
-      TitleNavigation navigation = nav::NavigateTitles(*disc);
-      Print(o->json ? DiscInfoJson(*disc, &navigation) : DiscInfoText(*disc, &navigation));
+      // Without a video manager there is no first play to start from.
+      std::optional<TitleNavigation> navigation;
+      if (disc->vmg.ifo_found) navigation = nav::NavigateTitles(*disc);
+      const TitleNavigation* known = navigation ? &*navigation : nullptr;
+      Print(o->json ? DiscInfoJson(*disc, known) : DiscInfoText(*disc, known));
       session.exit_status = 0;
     };
   });
@@ -86,10 +93,13 @@ void AddVerify(CLI::App& app, Session& session) {
       "VOBU pointers and VOB and cell ids, VOBU lengths, mux rates, clock references, the\n"
       "declared audio and sub-picture streams against the streams in the cells of each\n"
       "program chain, through the chain's stream control, and the declared video and audio\n"
-      "attributes against each stream's first complete header. Every navigation command is\n"
-      "followed to the title, part, chain, program, cell, menu or button it can send playback\n"
-      "to. \"tarvex-cli verify --list-checks\" lists every check with its id, severity and a\n"
-      "one-line explanation.\n"
+      "attributes against each stream's first complete header, in the packs that a cell of\n"
+      "some chain plays (records no cell plays are one vob.unplayed note per VOB set). Every\n"
+      "navigation command is followed to the title, part, chain, program, cell, menu or\n"
+      "button it can send playback to. A folder without VIDEO_TS.IFO gives file.missing for\n"
+      "it, and each title set is checked on its own. An error is where a player goes wrong, a\n"
+      "warning where it may go wrong, a note (info) what is worth knowing. \"tarvex-cli verify\n"
+      "--list-checks\" lists every check with its id, severity and a one-line explanation.\n"
       "\n"
       "Text output: one line per finding,\n"
       "  SEVERITY FILE[:TABLE[#ENTRY]|@RECORD] CHECK: message\n"

@@ -10,13 +10,13 @@ std::uint8_t Bcd(std::uint8_t b) {
   return static_cast<std::uint8_t>((b >> 4) * 10 + (b & 15));
 }
 
-std::optional<std::string> LanguageCode(ByteView bytes, std::size_t off) {
-  char a = static_cast<char>(bytes.u8(off)), b = static_cast<char>(bytes.u8(off, 1));
-  if (a == 0 && b == 0) return std::nullopt;
-  return std::string{a, b};
-}
-
 }  // namespace
+
+std::optional<std::string> SpecifiedLanguage(std::uint8_t first, std::uint8_t second) {
+  auto letter = [](std::uint8_t c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); };
+  if (!letter(first) || !letter(second)) return std::nullopt;
+  return std::string{static_cast<char>(first), static_cast<char>(second)};
+}
 
 std::uint64_t PlaybackTime::Milliseconds() const {
   std::uint64_t ms = ((std::uint64_t{hours} * 60 + minutes) * 60 + seconds) * 1000;
@@ -136,7 +136,7 @@ AudioAttributes DecodeAudioAttributes(ByteView eight) {
   a.quantization = b1 >> 6;
   a.frequency = ((b1 >> 4) & 3) == 1 ? 96000 : 48000;
   a.channels = (b1 & 7) + 1u;
-  a.language = LanguageCode(eight, 2);
+  a.language = SpecifiedLanguage(eight.u8(2), eight.u8(3));
   a.code_extension = eight.u8(5);
   return a;
 }
@@ -144,7 +144,7 @@ AudioAttributes DecodeAudioAttributes(ByteView eight) {
 SubpictureAttributes DecodeSubpictureAttributes(ByteView six) {
   SubpictureAttributes s;
   s.coding = six.u8(0) >> 5;
-  s.language = LanguageCode(six, 2);
+  s.language = SpecifiedLanguage(six.u8(2), six.u8(3));
   s.code_extension = six.u8(5);
   return s;
 }

@@ -44,10 +44,15 @@ struct VideoAttributes {
 };
 VideoAttributes DecodeVideoAttributes(ByteView two);
 
+// A language code of two ASCII letters ("en"), or nothing: discs write 0xFFFF, 0x0000 and
+// other bytes for a stream or menu without a language, and a code that is not two letters
+// names no language.
+std::optional<std::string> SpecifiedLanguage(std::uint8_t first, std::uint8_t second);
+
 struct AudioAttributes {
   std::uint8_t coding = 0;  // 0 AC-3, 2 MPEG-1, 3 MPEG-2 ext., 4 LPCM, 6 DTS, 7 SDDS
   const char* format = "ac3";
-  std::optional<std::string> language;
+  std::optional<std::string> language;  // nothing when unspecified
   std::uint8_t application_mode = 0;
   std::uint8_t quantization = 0;
   std::uint32_t frequency = 48000;

@@ -24,7 +24,7 @@ struct ChainScope {
 
 std::string LanguageUnitPrefix(const std::vector<LanguageUnit>& units, std::size_t u) {
   if (units.size() <= 1 || u >= units.size()) return {};
-  return Format("language unit %d (%s): ", {u + 1, units[u].language});
+  return Format("language unit %d (%s): ", {u + 1, units[u].code().value_or("no language")});
 }
 
 namespace {

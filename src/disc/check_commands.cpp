@@ -170,6 +170,8 @@ Problem SystemSpaceProblem(const CommandScope& scope, const Pgc& pgc, const NavT
                   {verb, t.resume_cell, pgc.declared_cells});
   }
   const Disc& disc = scope.disc;
+  // Without VIDEO_TS.IFO what the video manager holds is not known.
+  if (!disc.vmg.ifo_found && t.kind != NavTargetKind::kTitleSetMenu) return std::nullopt;
   switch (t.kind) {
     case NavTargetKind::kFirstPlay:
       if (disc.vmg.first_play) return std::nullopt;
@@ -192,6 +194,7 @@ Problem JumpProblem(const CommandScope& scope, const Pgc& pgc, const NavTarget& 
   switch (t.kind) {
     case NavTargetKind::kJumpTitle: {
       std::size_t titles = scope.disc.vmg.titles.size();
+      if (!scope.disc.vmg.ifo_found) return std::nullopt;  // the titles are not known
       if (t.number != 0 && t.number <= titles) return std::nullopt;
       return Format("jumps to title %d, the disc has %d", {t.number, titles});
     }

@@ -83,7 +83,7 @@ void CheckFiles(const Disc& disc, Findings& out) {
       out.AtFile("file.vob-size", file.name,
                  Format("%s bytes, more than 1 GiB (1073741824)", {std::to_string(file.size)}));
     }
-    if (name.title_set > disc.vmg.title_set_count) {
+    if (disc.vmg.ifo_found && name.title_set > disc.vmg.title_set_count) {
       out.AtFile("file.extra", file.name,
                  Format("title set %d, but the video manager counts %d title sets",
                         {name.title_set, disc.vmg.title_set_count}));
@@ -104,6 +104,10 @@ void CheckFiles(const Disc& disc, Findings& out) {
     }
   }
 
+  if (!disc.vmg.ifo_found) {
+    out.AtFile("file.missing", "VIDEO_TS.IFO",
+               "the video manager's IFO is missing: each title set is checked on its own");
+  }
   if (disc.vmg.menu_vobs.missing_files) {
     out.AtFile("file.missing", "VIDEO_TS.VOB", "VMGI_MAT gives a menu VOB start sector, no file");
   }
@@ -113,6 +117,13 @@ void CheckFiles(const Disc& disc, Findings& out) {
       out.AtFile(
           "file.missing", ts.ifo_name,
           Format("title set %d is counted by the video manager, its IFO is missing", {ts.number}));
+      continue;
+    }
+    // Without a video manager the title sets are those whose files are there.
+    if (!disc.vmg.ifo_found && disc.access->Find(ts.ifo_name) == nullptr &&
+        (!ts.menu_vobs.parts.empty() || !ts.title_vobs.parts.empty())) {
+      out.AtFile("file.missing", ts.ifo_name,
+                 Format("title set %d has VOB files, but its IFO is missing", {ts.number}));
       continue;
     }
     if (!ts.present) continue;

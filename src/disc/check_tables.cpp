@@ -13,13 +13,6 @@ std::uint64_t Sectors(std::uint64_t bytes) {
   return (bytes + 2047) / 2048;
 }
 
-// What an information table's end address should be for an IFO of that many sectors.
-std::string IfoSectorsText(std::uint64_t ifo_sectors) {
-  if (ifo_sectors == 0) return "the IFO is empty";
-  return Format("the IFO has %s sectors (expected %s)",
-                {std::to_string(ifo_sectors), std::to_string(ifo_sectors - 1)});
-}
-
 // A table's place against the information part and the other tables.
 void CheckTablePlaces(const std::string& file, const std::vector<TableLocation>& tables,
                       std::uint64_t info_sectors, std::uint64_t file_bytes,
@@ -64,24 +57,91 @@ void CheckTablePlaces(const std::string& file, const std::vector<TableLocation>&
   }
 }
 
+// An IFO with the VOBs and the backup (BUP) that follow it on the disc, and the end addresses
+// of its information table: the information part (VMGI_EA, VTSI_EA) and the whole area (VMG_EA,
+// VTS_EA), both counted in sectors from the IFO's first.
+struct InformationArea {
+  std::string file, bup;  // "VIDEO_TS.IFO", "VIDEO_TS.BUP"
+  const char* table;      // "VMGI_MAT"
+  const char* info_key;   // "VMGI_EA"
+  const char* area_key;   // "VMG_EA"
+  const char* vobs;       // "menu VOB", "VOBs"
+  std::uint32_t info_end = 0, area_end = 0, mat_end = 0;
+  std::uint64_t ifo_bytes = 0, vob_sectors = 0;
+  const std::vector<TableLocation>* tables = nullptr;
+};
+
+// The information part ends inside the IFO, at or after its last table; an IFO padded beyond
+// it is sound (authoring programs pad to a whole number of blocks). Returns whether it is so.
+bool CheckInformationEnd(const InformationArea& a, Findings& out) {
+  std::uint64_t ifo_sectors = Sectors(a.ifo_bytes);
+  auto report = [&](const std::string& message) {
+    out.AtTable("ifo.end-address", a.file, a.table, 0,
+                Format("%s %d, but ", {a.info_key, a.info_end}) + message);
+    return false;
+  };
+  if (ifo_sectors == 0) return report("the IFO is empty");
+  if (a.info_end >= ifo_sectors) {
+    return report(Format("the IFO has %s sectors (0 to %s): it ends past the file",
+                         {std::to_string(ifo_sectors), std::to_string(ifo_sectors - 1)}));
+  }
+  std::uint64_t last = a.mat_end / 2048;
+  for (const TableLocation& t : *a.tables) {
+    if (t.start_sector != 0 && t.start_sector < ifo_sectors)
+      last = std::max<std::uint64_t>(last, t.start_sector);
+  }
+  if (a.info_end < last) {
+    return report(Format("the tables of the IFO reach sector %s", {std::to_string(last)}));
+  }
+  return true;
+}
+
+// Where the backup starts, in sectors from the IFO's first: in an image, where it lies; in a
+// folder, where a mastering program puts it, after the IFO and the VOBs and at the end of the
+// area when the end address leaves room (which the mastering fills).
+std::uint64_t BackupStart(const Disc& disc, const InformationArea& a, const DiscFileEntry& bup) {
+  const DiscFileEntry* ifo = disc.access->Find(a.file);
+  if (ifo != nullptr && ifo->disc_sector && bup.disc_sector &&
+      *bup.disc_sector >= *ifo->disc_sector) {
+    return *bup.disc_sector - *ifo->disc_sector;
+  }
+  std::uint64_t after = Sectors(a.ifo_bytes) + a.vob_sectors;
+  std::uint64_t area = std::uint64_t{a.area_end} + 1, bup_sectors = Sectors(bup.size);
+  return area > bup_sectors ? std::max(after, area - bup_sectors) : after;
+}
+
+void CheckInformationArea(const Disc& disc, const InformationArea& a, Findings& out) {
+  bool info_sound = CheckInformationEnd(a, out);
+  // The area may end later than its files (authoring programs leave room that the mastering
+  // fills), never earlier.
+  std::uint64_t sectors = 2 * Sectors(a.ifo_bytes) + a.vob_sectors;
+  if (sectors > 0 && a.area_end < sectors - 1) {
+    out.AtTable("ifo.end-address", a.file, a.table, 0,
+                Format("%s %d, but IFO, %s and BUP need sectors 0 to %s",
+                       {a.area_key, a.area_end, a.vobs, std::to_string(sectors - 1)}));
+    return;
+  }
+  // A player that cannot read the IFO reads its backup at area end - information end.
+  const DiscFileEntry* bup = disc.access->Find(a.bup);
+  if (!info_sound || bup == nullptr || a.info_end > a.area_end) return;
+  std::uint64_t expected = a.area_end - a.info_end, actual = BackupStart(disc, a, *bup);
+  if (expected == actual) return;
+  out.AtTable("ifo.backup-address", a.file, a.table, 0,
+              Format("%s %d - %s %d puts the backup at sector %s, but %s starts at sector %s: a "
+                     "player that locates the backup by these addresses reads the wrong sectors",
+                     {a.area_key, a.area_end, a.info_key, a.info_end, std::to_string(expected),
+                      bup->name, std::to_string(actual)}));
+}
+
 void CheckVideoManagerAddresses(const Disc& disc, Findings& out) {
   const VideoManager& vmg = disc.vmg;
   const char* file = "VIDEO_TS.IFO";
   std::uint64_t ifo_sectors = Sectors(vmg.ifo_size);
-  std::uint64_t menu = vmg.menu_vobs.sectors;
-  if (std::uint64_t{vmg.vmgi_ea} + 1 != ifo_sectors) {
-    out.AtTable("ifo.end-address", file, "VMGI_MAT", 0,
-                "VMGI_EA " + std::to_string(vmg.vmgi_ea) + ", but " + IfoSectorsText(ifo_sectors));
-  }
-  // The video manager may end later than its files (authoring tools leave room that the
-  // mastering fills), never earlier.
-  std::uint64_t sectors = 2 * ifo_sectors + menu;
-  std::uint64_t expected_ea = sectors - 1;
-  if (sectors > 0 && vmg.vmg_ea < expected_ea) {
-    out.AtTable("ifo.end-address", file, "VMGI_MAT", 0,
-                Format("VMG_EA %d, but IFO, menu VOB and BUP need sectors 0 to %s",
-                       {vmg.vmg_ea, std::to_string(expected_ea)}));
-  }
+  CheckInformationArea(
+      disc,
+      {file, "VIDEO_TS.BUP", "VMGI_MAT", "VMGI_EA", "VMG_EA", "menu VOB", vmg.vmgi_ea, vmg.vmg_ea,
+       vmg.vmgi_mat_ea, vmg.ifo_size, vmg.menu_vobs.sectors, &vmg.tables},
+      out);
   if (!vmg.menu_vobs.parts.empty() && vmg.menu_vobs_at != ifo_sectors) {
     out.AtTable("ifo.end-address", file, "VMGI_MAT", 0,
                 Format("VMGM_VOBS_SA %d, but the menu VOB starts at sector %s",
@@ -94,20 +154,14 @@ void CheckVideoManagerAddresses(const Disc& disc, Findings& out) {
   CheckTablePlaces(file, vmg.tables, std::uint64_t{vmg.vmgi_ea} + 1, vmg.ifo_size, required, out);
 }
 
-void CheckTitleSetAddresses(const TitleSet& ts, Findings& out) {
+void CheckTitleSetAddresses(const Disc& disc, const TitleSet& ts, Findings& out) {
   std::uint64_t ifo_sectors = Sectors(ts.ifo_size);
   std::uint64_t menu = ts.menu_vobs.sectors, titles = ts.title_vobs.sectors;
-  if (std::uint64_t{ts.vtsi_ea} + 1 != ifo_sectors) {
-    out.AtTable("ifo.end-address", ts.ifo_name, "VTSI_MAT", 0,
-                "VTSI_EA " + std::to_string(ts.vtsi_ea) + ", but " + IfoSectorsText(ifo_sectors));
-  }
-  std::uint64_t sectors = 2 * ifo_sectors + menu + titles;
-  std::uint64_t expected_ea = sectors - 1;
-  if (sectors > 0 && ts.vts_ea < expected_ea) {
-    out.AtTable("ifo.end-address", ts.ifo_name, "VTSI_MAT", 0,
-                Format("VTS_EA %d, but IFO, VOBs and BUP need sectors 0 to %s",
-                       {ts.vts_ea, std::to_string(expected_ea)}));
-  }
+  CheckInformationArea(
+      disc,
+      {ts.ifo_name, ts.bup_name, "VTSI_MAT", "VTSI_EA", "VTS_EA", "VOBs", ts.vtsi_ea, ts.vts_ea,
+       ts.vtsi_mat_ea, ts.ifo_size, menu + titles, &ts.tables},
+      out);
   if (!ts.menu_vobs.parts.empty() && ts.menu_vobs_at != ifo_sectors) {
     out.AtTable("ifo.end-address", ts.ifo_name, "VTSI_MAT", 0,
                 Format("VTSM_VOBS_SA %d, but the menu VOB starts at sector %s",
@@ -160,14 +214,15 @@ void CheckAttributeRecord(const Disc& disc, const TitleSet& ts, Findings& out) {
 }  // namespace
 
 void CheckInformationTables(const Disc& disc, Findings& out) {
-  CheckVideoManagerAddresses(disc, out);
+  if (disc.vmg.ifo_found) CheckVideoManagerAddresses(disc, out);
   std::uint32_t on_disc = 0;
   for (const TitleSet& ts : disc.title_sets) {
     if (disc.access->Find(ts.ifo_name) != nullptr) on_disc = ts.number;
     if (!ts.present) continue;
-    CheckTitleSetAddresses(ts, out);
+    CheckTitleSetAddresses(disc, ts, out);
     CheckAttributeRecord(disc, ts, out);
   }
+  if (!disc.vmg.ifo_found) return;  // file.missing says so; the title sets stand on their own
   if (on_disc != disc.vmg.title_set_count) {
     out.AtTable("ifo.title-set-count", "VIDEO_TS.IFO", "VMGI_MAT", 0,
                 Format("VMG_NS %d, but the last title set on the disc is %d",

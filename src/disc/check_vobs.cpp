@@ -21,6 +21,7 @@ constexpr std::uint32_t kMaxVobuTicks = 90000;  // 1.0 s
 constexpr std::uint32_t kMaxButtons = 36;       // button entries of a PCI
 constexpr std::size_t kMaxCells = 65536;        // VOB id and cell id pairs kept
 constexpr std::uint8_t kCodingTries = 64;       // packs searched for a stream's coding header
+constexpr std::size_t kUnplayedRuns = 10;       // record ranges a vob.unplayed finding names
 
 std::uint64_t ScrTicks(ByteView pack) {
   std::uint64_t b4 = pack.u8(4), b5 = pack.u8(5), b6 = pack.u8(6), b7 = pack.u8(7), b8 = pack.u8(8),
@@ -60,8 +61,9 @@ struct NavSeen {
 
 class VobSetScanner {
  public:
-  VobSetScanner(const Disc& disc, const VobSet& set, const VobSetNames& names, Findings& out)
-      : disc_(disc), set_(set), names_(names), out_(out) {
+  VobSetScanner(const Disc& disc, const VobSet& set, const VobSetNames& names,
+                const PlayedSectors& played, Findings& out)
+      : disc_(disc), set_(set), names_(names), played_(played), out_(out) {
     for (const CellAddress& c : set_.cells) by_sector_.push_back(&c);
     std::sort(by_sector_.begin(), by_sector_.end(),
               [](const CellAddress* a, const CellAddress* b) { return a->first < b->first; });
@@ -101,11 +103,14 @@ class VobSetScanner {
     }
     FinishVobu(set_.sectors, nullptr);
     for (; admap_next_ < set_.vobu_starts.size(); ++admap_next_) MissingNavPack(admap_next_);
+    ReportUnplayed();
     return std::move(presence_);
   }
 
  private:
   void Record(std::uint64_t sector, const std::string& file, std::uint64_t record, ByteView pack) {
+    played_now_ = played_.Contains(sector);
+    if (!played_now_) NoteUnplayed(file, record);
     if (pack.be32(0) != 0x1BA || (pack.u8(4) & 0xC0) != 0x40) {
       if (no_header_.count != 0 && no_header_.file == file &&
           no_header_.first + no_header_.count == record) {
@@ -162,6 +167,7 @@ class VobSetScanner {
   // The coding of each video and audio stream, from the first of its packs that holds a
   // complete header; a stream without one in its first kCodingTries packs is left uncompared.
   void NoteCoding(std::uint32_t id, ByteView pack, const std::string& file, std::uint64_t record) {
+    if (!played_now_) return;
     bool coded = (id >= 0xE0 && id <= 0xEF) || (id >= 0xC0 && id <= 0xDF) ||
                  (id >= 0x80 && id <= 0x8F) || (id >= 0xA0 && id <= 0xA7);
     if (!coded || coding_tries_[id] >= kCodingTries) return;
@@ -201,6 +207,47 @@ class VobSetScanner {
     no_header_.count = 0;
   }
 
+  // Records that no cell plays, as runs of neighbouring records of a file (the first
+  // kUnplayedRuns kept, the others only counted).
+  void NoteUnplayed(const std::string& file, std::uint64_t record) {
+    ++unplayed_records_;
+    bool continues =
+        unplayed_runs_ != 0 && last_unplayed_.file == file && last_unplayed_.last + 1 == record;
+    last_unplayed_ = {file, record, record};
+    if (continues) {
+      if (unplayed_runs_ <= kUnplayedRuns) unplayed_.back().last = record;
+      return;
+    }
+    if (++unplayed_runs_ <= kUnplayedRuns) unplayed_.push_back(last_unplayed_);
+  }
+
+  // One finding per VOB set, at its first record that no cell plays, naming the record ranges
+  // file by file: "VTS_01_1.VOB records 0 to 9, 18 to 27; VTS_01_2.VOB record 4".
+  void ReportUnplayed() {
+    if (unplayed_.empty()) return;
+    std::string ranges;
+    for (std::size_t i = 0; i < unplayed_.size();) {
+      const std::string& file = unplayed_[i].file;
+      std::size_t end = i;
+      while (end < unplayed_.size() && unplayed_[end].file == file) ++end;
+      bool one = end == i + 1 && unplayed_[i].first == unplayed_[i].last;
+      ranges += (i == 0 ? "" : "; ") + file + (one ? " record " : " records ");
+      for (std::size_t k = i; k < end; ++k) {
+        const UnplayedRun& run = unplayed_[k];
+        ranges += k == i ? "" : ", ";
+        ranges += run.first == run.last
+                      ? std::to_string(run.first)
+                      : std::to_string(run.first) + " to " + std::to_string(run.last);
+      }
+      i = end;
+    }
+    std::uint64_t more = unplayed_runs_ - unplayed_.size();
+    if (more != 0) ranges += Format(" and %s more", {Counted(more, "range")});
+    out_.AtRecord("vob.unplayed", unplayed_.front().file, unplayed_.front().first,
+                  Format("%s that no cell of any %s chain plays: %s",
+                         {Counted(unplayed_records_, "record"), names_.domain, ranges}));
+  }
+
   // One finding per file: its first pack above the limit, and how many there are.
   void ReportMuxRate(const std::string& file) {
     if (high_mux_packs_ == 0) return;
@@ -212,6 +259,7 @@ class VobSetScanner {
   }
 
   void Present(std::uint32_t id, const std::string& file, std::uint64_t record) {
+    if (!played_now_) return;  // no player shows it: its streams are not compared
     // A damaged stream can name a new cell in every pack: the cells kept are bounded, so is
     // the memory (streams of further cells still count for the whole set).
     if (cell_ && (presence_.cells.size() < kMaxCells || presence_.cells.count(*cell_) != 0)) {
@@ -341,6 +389,7 @@ class VobSetScanner {
   const Disc& disc_;
   const VobSet& set_;
   const VobSetNames& names_;
+  const PlayedSectors& played_;
   Findings& out_;
   StreamPresence presence_;
   std::size_t admap_next_ = 0;
@@ -357,13 +406,44 @@ class VobSetScanner {
   std::set<std::pair<std::pair<std::uint16_t, std::uint8_t>, NavCommand>> seen_buttons_;
   std::vector<const CellAddress*> by_sector_;     // the cell address table by first sector
   std::array<std::uint8_t, 256> coding_tries_{};  // packs read for each stream's coding
+  bool played_now_ = false;                       // whether a cell plays the current record
+  struct UnplayedRun {
+    std::string file;
+    std::uint64_t first = 0, last = 0;
+  };
+  std::vector<UnplayedRun> unplayed_;  // the first kUnplayedRuns runs
+  UnplayedRun last_unplayed_;          // the run the last unplayed record belongs to
+  std::uint64_t unplayed_records_ = 0, unplayed_runs_ = 0;
 };
 
 }  // namespace
 
+PlayedSectors::PlayedSectors(const std::vector<DomainChain>& chains) {
+  std::vector<std::pair<std::uint64_t, std::uint64_t>> cells;
+  for (const DomainChain& chain : chains) {
+    for (const Cell& c : chain.pgc->cells) {
+      if (c.first_sector <= c.last_sector) cells.emplace_back(c.first_sector, c.last_sector);
+    }
+  }
+  std::sort(cells.begin(), cells.end());
+  for (const auto& [first, last] : cells) {
+    if (!ranges_.empty() && first <= ranges_.back().second + 1) {
+      ranges_.back().second = std::max(ranges_.back().second, last);
+    } else {
+      ranges_.emplace_back(first, last);
+    }
+  }
+}
+
+bool PlayedSectors::Contains(std::uint64_t sector) const {
+  auto it = std::upper_bound(ranges_.begin(), ranges_.end(), sector,
+                             [](std::uint64_t s, const auto& range) { return s < range.first; });
+  return it != ranges_.begin() && sector <= std::prev(it)->second;
+}
+
 StreamPresence ScanVobSet(const Disc& disc, const VobSet& set, const VobSetNames& names,
-                          Findings& out) {
-  return VobSetScanner(disc, set, names, out).Run();
+                          const PlayedSectors& played, Findings& out) {
+  return VobSetScanner(disc, set, names, played, out).Run();
 }
 
 }  // namespace tarvex

@@ -73,8 +73,8 @@ struct ButtonCommand {
   NavCommand command{};
 };
 
-// What one pass over a VOB set found: the streams of each cell, where each stream was first
-// seen.
+// What one pass over a VOB set found in the packs that a cell plays: the streams of each cell,
+// where each stream was first seen.
 struct StreamPresence {
   std::map<std::pair<std::uint16_t, std::uint8_t>, std::bitset<256>> cells;
   std::bitset<256> all;
@@ -106,10 +106,23 @@ void CheckTitles(const Disc& disc, Findings& out);
 void CheckAddressTables(const Disc& disc, Findings& out);
 void CheckChains(const Disc& disc, Findings& out);
 
+// The sectors of a VOB set that a cell of its domain's chains plays (each cell from its first
+// VOBU to the end of its last, C_FVOBU_SA to C_LVOBU_EA), as sorted, disjoint ranges.
+class PlayedSectors {
+ public:
+  explicit PlayedSectors(const std::vector<DomainChain>& chains);
+  bool Contains(std::uint64_t sector) const;
+
+ private:
+  std::vector<std::pair<std::uint64_t, std::uint64_t>> ranges_;  // first and last sector
+};
+
 // One sequential pass over the VOB files of a set: packs, navigation packs against the cell
-// address table and the VOBU address map, clock references, mux rates, streams present.
+// address table and the VOBU address map, clock references, mux rates, and the streams present
+// in the packs that a cell plays (content no cell plays is one vob.unplayed finding: no player
+// shows it, so its streams are not held against the declarations).
 StreamPresence ScanVobSet(const Disc& disc, const VobSet& set, const VobSetNames& names,
-                          Findings& out);
+                          const PlayedSectors& played, Findings& out);
 // Declared streams against those found.
 void CheckStreams(const Disc& disc, const std::vector<DomainChain>& chains,
                   const StreamDeclarations& declared, const StreamPresence& found,

@@ -24,7 +24,12 @@ constexpr CheckInfo kChecks[] = {
     // IFO structure.
     {"ifo.identifier", E, "an IFO whose identifier is not DVDVIDEO-VMG / DVDVIDEO-VTS"},
     {"ifo.end-address", E,
-     "end addresses and VOB start sectors of the information table against the file sizes"},
+     "end addresses and VOB start sectors of the information table against the files: an "
+     "information part that ends past its IFO or short of its tables, an area too small for "
+     "its files"},
+    {"ifo.backup-address", W,
+     "an area end address less the information part's (VMG_EA - VMGI_EA, VTS_EA - VTSI_EA) "
+     "that is not where the backup (BUP) starts"},
     {"ifo.table-address", E,
      "a table missing, outside the IFO, overlapping another, or with an end address that does "
      "not fit its entries"},
@@ -87,6 +92,9 @@ constexpr CheckInfo kChecks[] = {
     {"vob.first-pack", E, "a VOB set that does not begin with a navigation pack"},
     {"vob.mux-rate", W, "a pack whose program_mux_rate is above 10.08 Mbit/s"},
     {"vob.scr-order", W, "a pack whose SCR is lower than the one before it in the same VOB"},
+    {"vob.unplayed", I,
+     "records of a VOB set that no cell of any program chain of its domain plays (their "
+     "streams are not checked)"},
     // Streams.
     {"stream.missing", E,
      "a declared stream that its program chain's control maps to an id found in none of the "

@@ -305,7 +305,7 @@ void WriteMenus(JsonWriter& j, const std::vector<LanguageUnit>& units, const cha
       } else {
         j.Null();
       }
-      j.Member("language", unit.language);
+      WriteOptionalText(j, "language", unit.code());
       j.MemberUint("number", pgc.number);
       const char* menu = pgc.entry() ? MenuName(pgc.menu_id()) : nullptr;
       j.Key("entry");
@@ -389,17 +389,19 @@ void MenuText(std::string& out, const std::vector<LanguageUnit>& units, const st
     for (const Pgc& pgc : unit.pgcs) {
       const char* menu = pgc.entry() ? MenuName(pgc.menu_id()) : nullptr;
       out += Format("  %s, language %s, PGC %d%s: %s, %s\n",
-                    {where, unit.language, pgc.number,
+                    {where, Language(unit.code()), pgc.number,
                      menu ? std::string(" (") + menu + " menu)" : std::string(), pgc.time.Text(),
                      Counted(pgc.cells.size(), "cell")});
     }
   }
 }
 
-// The number of the longest title (the first of equally long ones), 0 for a disc without one.
+// The number of the longest title (the first of equally long ones), 0 for a disc without one
+// or without a video manager (whose titles have no numbers on the disc).
 std::uint32_t LongestTitle(const Disc& disc) {
   std::uint32_t longest = 0;
   std::uint64_t longest_ms = 0;
+  if (!disc.vmg.ifo_found) return 0;
   for (const TitleEntry& t : disc.vmg.titles) {
     std::uint64_t ms = ChainsMs(TitleChains(ViewTitle(disc, t)));
     if (longest == 0 || ms > longest_ms) {
@@ -416,14 +418,19 @@ std::string DiscInfoJson(const Disc& disc, const TitleNavigation* navigation) {
   JsonWriter j;
   j.BeginObject();
   j.Member("disc", disc.path);
-  j.Key("vmg").BeginObject();
-  j.Member("id", disc.vmg.id).Member("provider_id", disc.vmg.provider);
-  j.MemberUint("title_sets", disc.vmg.title_set_count);
-  j.Member("version", Format("%d.%d", {disc.vmg.version >> 4, disc.vmg.version & 15}));
-  j.MemberUint("titles", disc.vmg.titles.size());
-  j.EndObject();
+  j.Key("vmg");
+  if (disc.vmg.ifo_found) {
+    j.BeginObject();
+    j.Member("id", disc.vmg.id).Member("provider_id", disc.vmg.provider);
+    j.MemberUint("title_sets", disc.vmg.title_set_count);
+    j.Member("version", Format("%d.%d", {disc.vmg.version >> 4, disc.vmg.version & 15}));
+    j.MemberUint("titles", disc.vmg.titles.size());
+    j.EndObject();
+  } else {
+    j.Null();
+  }
   j.Key("titles").BeginArray();
-  for (const TitleEntry& t : disc.vmg.titles) WriteTitle(j, disc, t, navigation);
+  for (const TitleEntry& t : DiscTitles(disc)) WriteTitle(j, disc, t, navigation);
   j.EndArray();
   j.Key("longest_title");
   if (std::uint32_t longest = LongestTitle(disc)) {
@@ -463,11 +470,15 @@ void NavigationText(std::string& out, const TitleNavigation& navigation) {
 std::string DiscInfoText(const Disc& disc, const TitleNavigation* navigation) {
   std::string out;
   out += Format("Disc: %s (%s)\n", {disc.path, disc.kind});
-  out += Format(
-      "Video manager: %s, provider \"%s\", version %d.%d, %s, %s\n",
-      {disc.vmg.id, disc.vmg.provider, disc.vmg.version >> 4, disc.vmg.version & 15,
-       Counted(disc.vmg.title_set_count, "title set"), Counted(disc.vmg.titles.size(), "title")});
-  for (const TitleEntry& t : disc.vmg.titles) TitleText(out, disc, t);
+  if (disc.vmg.ifo_found) {
+    out += Format(
+        "Video manager: %s, provider \"%s\", version %d.%d, %s, %s\n",
+        {disc.vmg.id, disc.vmg.provider, disc.vmg.version >> 4, disc.vmg.version & 15,
+         Counted(disc.vmg.title_set_count, "title set"), Counted(disc.vmg.titles.size(), "title")});
+  } else {
+    out += "Video manager: none (no VIDEO_TS.IFO); titles numbered within their title sets\n";
+  }
+  for (const TitleEntry& t : DiscTitles(disc)) TitleText(out, disc, t);
   if (std::uint32_t longest = LongestTitle(disc)) out += Format("Longest title: %d\n", {longest});
   if (navigation) NavigationText(out, *navigation);
   out += "Menus:\n";

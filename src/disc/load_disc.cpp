@@ -49,7 +49,7 @@ void PlaceTitleSets(Disc& disc) {
   std::uint64_t next =
       std::max<std::uint64_t>(FileSectors(disc, "VIDEO_TS.IFO") + disc.vmg.menu_vobs.sectors +
                                   FileSectors(disc, "VIDEO_TS.BUP"),
-                              std::uint64_t{disc.vmg.vmg_ea} + 1);
+                              disc.vmg.ifo_found ? std::uint64_t{disc.vmg.vmg_ea} + 1 : 0);
   for (TitleSet& ts : disc.title_sets) {
     std::optional<std::uint32_t> sector = DiscSector(disc, ts.ifo_name);
     if (vmg_sector && sector && *sector >= *vmg_sector) {
@@ -64,18 +64,40 @@ void PlaceTitleSets(Disc& disc) {
   }
 }
 
+// The title set number of a VTS_nn_... file name, or 0.
+std::uint32_t TitleSetOfFile(const std::string& n) {
+  if (n.size() != 12 || (n.rfind("VTS_", 0) != 0 && n.rfind("vts_", 0) != 0) ||
+      !std::isdigit(static_cast<unsigned char>(n[4])) ||
+      !std::isdigit(static_cast<unsigned char>(n[5]))) {
+    return 0;
+  }
+  return static_cast<std::uint32_t>((n[4] - '0') * 10 + (n[5] - '0'));
+}
+
 std::uint32_t HighestTitleSetFile(const Disc& disc) {
   std::uint32_t highest = 0;
-  for (const DiscFileEntry& f : disc.files) {
-    std::string n = f.name;
-    if (n.size() == 12 && (n.rfind("VTS_", 0) == 0 || n.rfind("vts_", 0) == 0) &&
-        std::isdigit(static_cast<unsigned char>(n[4])) &&
-        std::isdigit(static_cast<unsigned char>(n[5]))) {
-      highest = std::max<std::uint32_t>(
-          highest, static_cast<std::uint32_t>((n[4] - '0') * 10 + (n[5] - '0')));
-    }
-  }
+  for (const DiscFileEntry& f : disc.files) highest = std::max(highest, TitleSetOfFile(f.name));
   return highest;
+}
+
+bool HasTitleSetIfo(const Disc& disc) {
+  for (std::uint32_t n = 1; n <= std::min(HighestTitleSetFile(disc), kMaxTitleSets); ++n) {
+    if (disc.access->Find(TitleSetFile(n, 0, "IFO")) != nullptr) return true;
+  }
+  return false;
+}
+
+// The angles of a chain: the cells of its largest angle block (1 without one).
+std::uint8_t ChainAngles(const Pgc* pgc) {
+  std::uint32_t most = 1, run = 0;
+  if (pgc == nullptr) return 1;
+  for (const Cell& c : pgc->cells) {
+    bool angle = c.block_type() == 1;
+    bool first = (c.category[0] >> 6) == 1;
+    run = angle ? (first ? 1 : run + 1) : 0;
+    most = std::max(most, run);
+  }
+  return static_cast<std::uint8_t>(std::min<std::uint32_t>(most, 9));
 }
 
 void LoadTitleSet(Disc& disc, std::uint32_t number) {
@@ -111,6 +133,17 @@ void LoadTitleSet(Disc& disc, std::uint32_t number) {
     disc.load_findings.AtTable("ifo.identifier", ts.ifo_name, "VTSI_MAT", 0,
                                "the identifier is not DVDVIDEO-VTS");
   }
+}
+
+// The menu VOB of the video manager and every title set up to the last that the video manager
+// counts or that has a file on the disc, then where each lies.
+void LoadTitleSets(Disc& disc) {
+  AddPart(disc, disc.vmg.menu_vobs, "VIDEO_TS.VOB");
+  std::uint32_t count =
+      std::max<std::uint32_t>(disc.vmg.title_set_count, HighestTitleSetFile(disc));
+  count = std::min(count, kMaxTitleSets);
+  for (std::uint32_t n = 1; n <= count; ++n) LoadTitleSet(disc, n);
+  PlaceTitleSets(disc);
 }
 
 }  // namespace
@@ -168,9 +201,14 @@ std::optional<Disc> LoadDisc(std::shared_ptr<DiscAccess> access, const std::stri
   disc.files = access->files();
   disc.access = std::move(access);
   if (disc.access->Find("VIDEO_TS.IFO") == nullptr) {
-    error = "no VIDEO_TS.IFO";
-    return std::nullopt;
+    if (!HasTitleSetIfo(disc)) {
+      error = "no VIDEO_TS.IFO and no title set IFO (VTS_nn_0.IFO)";
+      return std::nullopt;
+    }
+    LoadTitleSets(disc);
+    return disc;
   }
+  disc.vmg.ifo_found = true;
   auto bytes = disc.access->ReadWhole("VIDEO_TS.IFO", kMaxIfoBytes);
   if (!bytes) {
     error = "VIDEO_TS.IFO cannot be read";
@@ -183,13 +221,9 @@ std::optional<Disc> LoadDisc(std::shared_ptr<DiscAccess> access, const std::stri
     disc.load_findings.AtTable("ifo.identifier", "VIDEO_TS.IFO", "VMGI_MAT", 0,
                                "the identifier is not DVDVIDEO-VMG");
   }
-  AddPart(disc, disc.vmg.menu_vobs, "VIDEO_TS.VOB");
-  disc.vmg.menu_vobs.missing_files = disc.vmg.menu_vobs.parts.empty() && disc.vmg.menu_vobs_at != 0;
-  std::uint32_t count =
-      std::max<std::uint32_t>(disc.vmg.title_set_count, HighestTitleSetFile(disc));
-  count = std::min(count, kMaxTitleSets);
-  for (std::uint32_t n = 1; n <= count; ++n) LoadTitleSet(disc, n);
-  PlaceTitleSets(disc);
+  disc.vmg.menu_vobs.missing_files =
+      disc.access->Find("VIDEO_TS.VOB") == nullptr && disc.vmg.menu_vobs_at != 0;
+  LoadTitleSets(disc);
   return disc;
 }
 
@@ -197,6 +231,23 @@ std::optional<Disc> LoadDisc(const std::string& path, std::string& error) {
   std::unique_ptr<DiscAccess> access = OpenDisc(path, error);
   if (!access) return std::nullopt;
   return LoadDisc(std::shared_ptr<DiscAccess>(std::move(access)), path, error);
+}
+
+std::vector<TitleEntry> DiscTitles(const Disc& disc) {
+  if (disc.vmg.ifo_found) return disc.vmg.titles;
+  std::vector<TitleEntry> titles;
+  for (const TitleSet& ts : disc.title_sets) {
+    if (!ts.present) continue;
+    for (std::size_t t = 0; t < ts.parts.size() && t < 99; ++t) {
+      TitleEntry& entry = titles.emplace_back();
+      entry.number = static_cast<std::uint32_t>(t + 1);
+      entry.title_set = static_cast<std::uint8_t>(ts.number);
+      entry.title_in_set = static_cast<std::uint8_t>(t + 1);
+      entry.chapters = static_cast<std::uint16_t>(ts.parts[t].size());
+      entry.angles = ChainAngles(ViewTitle(disc, entry).pgc);
+    }
+  }
+  return titles;
 }
 
 TitleView ViewTitle(const Disc& disc, const TitleEntry& entry) {

@@ -58,6 +58,12 @@ struct Pgc {
 
 struct LanguageUnit {
   std::string language;  // two characters as stored
+  // The language as a code of two letters, nothing when the unit's code names none.
+  std::optional<std::string> code() const {
+    if (language.size() != 2) return std::nullopt;
+    return SpecifiedLanguage(static_cast<std::uint8_t>(language[0]),
+                             static_cast<std::uint8_t>(language[1]));
+  }
   std::uint8_t existence = 0;
   std::uint32_t offset = 0;
   std::vector<Pgc> pgcs;
@@ -158,7 +164,10 @@ struct TitleEntry {
 };
 
 struct VideoManager {
-  bool present = false;
+  // VIDEO_TS.IFO is on the disc: a folder copied from single title sets can lack it, and then
+  // nothing of the video manager is known (not even its title numbers).
+  bool ifo_found = false;
+  bool present = false;  // its IFO was read and identified
   std::string id, provider;
   std::uint8_t version = 0;
   std::uint32_t category = 0;
@@ -189,8 +198,9 @@ struct Disc {
   const TitleSet* FindTitleSet(std::uint32_t number) const;
 };
 
-// Opens and reads a disc. Nothing when it cannot be read at all (no VIDEO_TS.IFO, unreadable
-// image): error then says why.
+// Opens and reads a disc. A folder of title sets without VIDEO_TS.IFO is read too (its video
+// manager is then not found). Nothing when it cannot be read at all (neither VIDEO_TS.IFO nor a
+// title set IFO, an unreadable image): error then says why.
 std::optional<Disc> LoadDisc(const std::string& path, std::string& error);
 // Reads a disc from an open access (an image in memory, for instance).
 std::optional<Disc> LoadDisc(std::shared_ptr<DiscAccess> access, const std::string& path,
@@ -204,5 +214,10 @@ struct TitleView {
   const Pgc* pgc = nullptr;  // the chain of its first part
 };
 TitleView ViewTitle(const Disc& disc, const TitleEntry& entry);
+
+// The titles of a disc: those of TT_SRPT or, without a video manager, each title of each title
+// set in turn, numbered within its set (number = title_in_set; angles from the cells of its
+// first chain's angle blocks).
+std::vector<TitleEntry> DiscTitles(const Disc& disc);
 
 }  // namespace tarvex

@@ -69,7 +69,7 @@ void ScanSet(const Disc& disc, const VobSet& set, VobSetNames names,
              const StreamDeclarations& declared, Findings& out, bool titles = false) {
   if (set.parts.empty()) return;
   names.interleaved = InterleavedCells(chains);
-  StreamPresence found = ScanVobSet(disc, set, names, out);
+  StreamPresence found = ScanVobSet(disc, set, names, PlayedSectors(chains), out);
   CheckButtons(disc, chains, ts, titles, found, out);
   CheckStreams(disc, chains, declared, found, names, out);
 }

@@ -2,6 +2,7 @@
 // sanitizer build runs these too).
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <filesystem>
 
 #include "disc/disc_test_support.h"
@@ -132,10 +133,16 @@ TEST(Hostile, EmptyAndMissingFiles) {
   test::WriteFileBytes(disc + "/VIDEO_TS/VIDEO_TS.VOB", {});
   VerifyResult r = VerifyPath(disc);
   EXPECT_GT(r.errors, 0u);
+  // Without VIDEO_TS.IFO the title sets are read on their own, an empty IFO among them.
   std::filesystem::remove(disc + "/VIDEO_TS/VIDEO_TS.IFO");
+  r = VerifyPath(disc);
+  EXPECT_TRUE(std::any_of(r.findings.begin(), r.findings.end(), [](const Finding& f) {
+    return f.check == "file.missing" && f.file == "VIDEO_TS.IFO";
+  })) << VerifyText(r);
+  std::filesystem::remove(disc + "/VIDEO_TS/VTS_01_0.IFO");
   std::string error;
   EXPECT_FALSE(LoadDisc(disc, error));
-  EXPECT_EQ(error, "no VIDEO_TS.IFO");
+  EXPECT_EQ(error, "no VIDEO_TS.IFO and no title set IFO (VTS_nn_0.IFO)");
 }
 
 // An empty VIDEO_TS.IFO has no sectors: its end address is said to be wrong against an empty

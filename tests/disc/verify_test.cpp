@@ -91,6 +91,9 @@ const std::vector<Case>& Cases() {
        {AtTable("ifo.identifier", kVts, "VTSI_MAT"),
         AtTable("tt_srpt.title-set", kVmg, "TT_SRPT", 1)}},
       {"end-address", {AtTable("ifo.end-address", kVts, "VTSI_MAT")}},
+      // 16 sectors of IFO, VTS_EA 1305, VTSI_EA 8: the backup is looked for at 1297, it lies
+      // at 16 + 28 + 1246 = 1290.
+      {"backup-address", {AtTable("ifo.backup-address", kVts, "VTSI_MAT")}},
       {"table-outside", {AtTable("ifo.table-address", kVmg, "TXTDT_MG")}},
       {"table-end", {AtTable("ifo.table-address", kVts, "VTS_C_ADT")}},
       {"title-set-count",
@@ -150,6 +153,9 @@ const std::vector<Case>& Cases() {
         AtTable("vobu_admap.navpacks", kVts, "VTS_VOBU_ADMAP", 1),
         AtRecord("nav.previous-vobu", kVob, 30)}},
       {"vob-pack", {AtRecord("vob.pack", kVob, 100)}},
+      // The title menu's one cell plays the 28 records of VIDEO_TS.VOB; without it none is
+      // played (its streams are then not compared, its buttons not followed).
+      {"vob-unplayed", {AtRecord("vob.unplayed", "VIDEO_TS.VOB", 0)}},
       // 0xA3 is nowhere; 0xA1, first at record 3, is no longer played by any stream.
       {"stream-missing",
        {AtTable("stream.missing", kVts, "VTS_PGCIT", 1), AtRecord("stream.undeclared", kVob, 3)}},
