@@ -7,10 +7,21 @@
 // entry, and at an infinite still); when KEYS runs out a menu gets `enter` and a still `skip`.
 //
 // Output: {"cells":[{"domain","title_set","language","pgc","cell","title","chapter",
-// "first_sector","key"[,"implicit"]}],"keys_left","blocks","end","end_reason"}.
-// title_set comes from libdvdnav's title set change events; pgc from
-// dvdnav_current_title_program; first_sector from the cell's entry in the chain's C_PBIT, read
-// with libdvdread from the IFO of the domain the cell plays in.
+// "first_sector","key"[,"implicit"]}],"first_title","keys_left","blocks","end","end_reason"}:
+// first_title is the title of the first title cell entered (null when none); end is "stop" (an
+// Exit command or a chain with nowhere to go: libdvdnav reports both alike), "limit", "error" or
+// "loop" (libdvdnav stayed inside one call for seconds, following chains without cells, or gave
+// a million events without a new cell).
+// title_set comes from libdvdnav's title set change events (DVDNAV_VTS_CHANGE, new_vtsN), 0 in
+// first play and the video manager's menus; pgc from dvdnav_current_title_program, or, before
+// libdvdnav has loaded any title set (it then refuses to answer), from the chain of the domain's
+// table whose cell of that number holds the cell's first navigation pack; first_sector from the
+// cell's entry in the chain's C_PBIT, read with libdvdread. Menus use the language unit "en",
+// else the first one, as libdvdnav does.
+// Keys at a menu: up/down/left/right move the highlight and the next key is consumed at the same
+// cell, unless the button reached is an auto-action one; enter, a number, menu, title end the
+// wait; skip there ends the still that follows. At an infinite still, menu and title call those
+// menus and any other key ends the still. Timed stills end at once.
 #include <dvdnav/dvdnav.h>
 #include <dvdread/ifo_read.h>
 #include <unistd.h>
@@ -213,7 +224,7 @@ class Run {
   int title_set_ = 0;
   bool buttons_done_ = true;   // the keys of the current cell entry are consumed
   bool skip_pending_ = false;  // `skip` pressed at a menu: the still that follows ends
-  long blocks_ = 0;
+  std::atomic<long> blocks_ = 0;
   long events_since_cell_ = 0;
   Place place_;                     // the cell entered last
   bool chain_pending_ = false;      // its chain is found at its first navigation pack
@@ -396,12 +407,16 @@ void Run::End(const std::string& end, const std::string& reason) {
 
 std::string Run::Report(const std::string& end, const std::string& reason) {
   std::lock_guard lock(mutex_);
-
   Json keys_left = Json::array();
   for (const std::string& key : options_.keys) keys_left.push_back(key);
+  Json first_title;
+  for (const Json& cell : cells_) {
+    if (cell["domain"] == "vts" && first_title.is_null()) first_title = cell["title"];
+  }
   Json out = {{"cells", cells_},
+              {"first_title", first_title},
               {"keys_left", keys_left},
-              {"blocks", blocks_},
+              {"blocks", blocks_.load()},
               {"end", end_.empty() ? end : end_},
               {"end_reason", end_.empty() ? reason : reason_}};
   return out.dump() + "\n";
