@@ -114,5 +114,14 @@ TEST(DvdnavHarness, ExitFromAButtonAndAfterAStill) {
   ExpectRun(disc, "1,title,2", {"vmgm/0/1 c1 [1] vts/1/1 c1 t1.1 [title] vmgm/0/1 c1 [2]"});
 }
 
+TEST(DvdnavHarness, AutoActionButtonActivatesWhenSelected) {
+  const std::string& disc = AuthoredNavDiscs().auto_action;
+  ExpectRun(disc, "", {"vmgm/0/1 c1 [enter*] vts/1/1 c1 t1.1"});
+  ExpectRun(disc, "3", {"vmgm/0/1 c1 [3]"});
+  nlohmann::json run = RunDvdnav(disc, "down,enter");
+  EXPECT_EQ(CellPath(run), "vmgm/0/1 c1 [down] vts/1/2 c1 t2.1");
+  EXPECT_EQ(run["keys_left"], nlohmann::json::array({"enter"}));
+}
+
 }  // namespace
 }  // namespace tarvex::test

@@ -231,7 +231,7 @@ class Run {
   std::atomic<long> progress_ = 0;  // calls into libdvdnav that returned
   std::string end_;
   std::string reason_;
-  std::mutex mutex_;  // guards cells_ and the end, which the watcher reports
+  std::mutex mutex_;  // guards cells_, the keys left and the end, which the watcher reports
 };
 
 void Run::Play() {
@@ -250,7 +250,7 @@ bool Run::Step() {
     End("error", dvdnav_err_to_string(nav_));
     return false;
   }
-  if (++events_since_cell_ > kEventsWithoutCell) End("loop", "no new cell for many blocks");
+  if (++events_since_cell_ > kEventsWithoutCell) End("loop", "a million events without a new cell");
   switch (event) {
     case DVDNAV_BLOCK_OK:
       ++blocks_;
@@ -311,6 +311,7 @@ void Run::EnterCell(const dvdnav_cell_change_event_t& event) {
 }
 
 std::optional<std::string> Run::NextKey() {
+  std::lock_guard lock(mutex_);
   if (options_.keys.empty()) return std::nullopt;
   std::string key = options_.keys.front();
   options_.keys.pop_front();

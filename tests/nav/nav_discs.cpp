@@ -1,5 +1,8 @@
 #include "nav/nav_discs.h"
 
+#include <cstddef>
+#include <vector>
+
 #include "disc/authored_disc.h"
 
 namespace tarvex::test {
@@ -147,6 +150,39 @@ std::string Exit(const TempDir& dir) {
                     "exit");
 }
 
+// Makes button `button` of every navigation pack with highlight information in vob an
+// auto-action button: its BTNI's auto_action_mode (the top two bits of its fourth byte) becomes 1.
+void SetAutoAction(const std::string& vob, int button) {
+  constexpr std::size_t kPack = 2048;
+  constexpr std::size_t kPci = 0x2D;                 // PCI data: after the private stream 2 header
+  constexpr std::size_t kHliStatus = kPci + 0x60;    // HL_GI's HLI_SS (2 bytes)
+  constexpr std::size_t kButtons = kHliStatus + 46;  // BTNIT: after HL_GI (22) and BTN_COLIT (24)
+  constexpr std::size_t kButtonSize = 18;
+  std::vector<std::uint8_t> bytes = ReadFileBytes(vob);
+  for (std::size_t at = 0; at + kPack <= bytes.size(); at += kPack) {
+    bool nav_pack = bytes[at + 0x26] == 0 && bytes[at + 0x27] == 0 && bytes[at + 0x28] == 1 &&
+                    bytes[at + 0x29] == 0xBF && bytes[at + 0x2C] == 0;  // PCI sub-stream
+    if (!nav_pack || (bytes[at + kHliStatus] | bytes[at + kHliStatus + 1]) == 0) continue;
+    std::uint8_t& mode = bytes[at + kButtons + kButtonSize * (button - 1) + 3];
+    mode = static_cast<std::uint8_t>((mode & 0x3F) | 0x40);
+  }
+  WriteFileBytes(vob, bytes);
+}
+
+std::string AutoAction(const TempDir& dir) {
+  std::string disc = AuthorDisc(dir,
+                                R"(<dvdauthor dest="auto_action"><vmgm>
+<fpc>jump vmgm menu 1;</fpc>
+<menus><video format="pal"/>)" + Menu("title", {"jump title 1;", "jump title 2;", "exit;"}) +
+                                    R"(</menus></vmgm>
+<titleset><titles><video format="pal"/>)" +
+                                    Title(1, "exit;") + Title(2, "exit;") +
+                                    "</titles></titleset></dvdauthor>\n",
+                                "auto_action");
+  if (!disc.empty()) SetAutoAction(disc + "/VIDEO_TS/VIDEO_TS.VOB", 2);
+  return disc;
+}
+
 }  // namespace
 
 const NavDiscs& AuthoredNavDiscs() {
@@ -158,7 +194,8 @@ const NavDiscs& AuthoredNavDiscs() {
                     .chain_loop = ChainLoop(dir),
                     .resume = Resume(dir),
                     .two_title_sets = TwoTitleSets(dir),
-                    .exit = Exit(dir)};
+                    .exit = Exit(dir),
+                    .auto_action = AutoAction(dir)};
   }();
   return discs;
 }

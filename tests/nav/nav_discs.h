@@ -52,6 +52,12 @@ struct NavDiscs {
   // one cell with a still that never ends, then exit.
   // Default path: vmgm/0/1 (enter) -> vts/1/1 (skip) -> exit. Keys "2": vmgm/0/1 (2) -> exit.
   std::string exit;
+  // An auto-action button (dvdauthor makes none: the nav packs of the menu are patched after):
+  // first play jumps to VMGM menu 1, whose b1 jumps to title 1, b2 (auto-action) to title 2, b3
+  // exits; both titles (one cell each) exit.
+  // Default path: vmgm/0/1 (enter) -> vts/1/1 -> exit. Keys "down": vmgm/0/1 (down: b2 is
+  // highlighted and activates itself) -> vts/1/2 -> exit, the keys after `down` left over.
+  std::string auto_action;
 };
 
 // The discs, authored at the first call (their folder lives until the run ends); a disc that

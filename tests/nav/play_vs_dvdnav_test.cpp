@@ -95,6 +95,12 @@ TEST(PlayVsDvdnav, Exit) {
   }
 }
 
+TEST(PlayVsDvdnav, AutoAction) {
+  for (const char* keys : {"", "1", "down", "down,enter", "3", "down,up"}) {
+    ComparePlayWithDvdnav(AuthoredNavDiscs().auto_action, keys);
+  }
+}
+
 }  // namespace
 }  // namespace tarvex::test
 
