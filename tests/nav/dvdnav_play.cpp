@@ -59,20 +59,31 @@ struct Options {
   std::size_t max_cells = 1000;
 };
 
+bool IsNumber(const std::string& text) {
+  return !text.empty() && text.find_first_not_of("0123456789") == std::string::npos;
+}
+
+// Sets the option named arg from value; false when the value does not fit.
+bool SetOption(Options& options, const std::string& arg, const std::string& value) {
+  if (arg == "--max-cells") {
+    if (!IsNumber(value) || value.size() > 9) return false;
+    options.max_cells = std::stoul(value);
+    return true;
+  }
+  std::stringstream list(value);
+  for (std::string key; std::getline(list, key, ',');) {
+    if (!key.empty()) options.keys.push_back(key);
+  }
+  return true;
+}
+
 std::optional<Options> ParseOptions(int argc, char** argv) {
   Options options;
   for (int i = 1; i < argc; ++i) {
     std::string arg = argv[i];
-    if ((arg == "--keys" || arg == "--max-cells") && i + 1 < argc) {
-      std::string value = argv[++i];
-      if (arg == "--max-cells") {
-        options.max_cells = std::stoul(value);
-        continue;
-      }
-      std::stringstream list(value);
-      for (std::string key; std::getline(list, key, ',');) {
-        if (!key.empty()) options.keys.push_back(key);
-      }
+    bool named = arg == "--keys" || arg == "--max-cells";
+    if (named && i + 1 < argc) {
+      if (!SetOption(options, arg, argv[++i])) return std::nullopt;
     } else if (options.disc.empty() && arg.rfind("--", 0) != 0) {
       options.disc = arg;
     } else {
@@ -188,10 +199,6 @@ Json CellJson(Ifos& ifos, const Place& place) {
 
 bool HasButtons(const pci_t* pci) {
   return pci != nullptr && pci->hli.hl_gi.hli_ss != 0 && pci->hli.hl_gi.btn_ns > 0;
-}
-
-bool IsNumber(const std::string& key) {
-  return !key.empty() && key.find_first_not_of("0123456789") == std::string::npos;
 }
 
 // One run of the player: its state, what it has played and how it ended.

@@ -9,13 +9,13 @@ namespace tarvex::test {
 
 namespace {
 
-// The clips every disc shares: one, two and three seconds of picture, menus of one to three
+// The clips every disc shares: one, two and three seconds of picture, menus of two and three
 // buttons.
 void MakeNavClips(const TempDir& dir) {
   for (int seconds = 1; seconds <= 3; ++seconds) {
     MakeClip(dir, {.file = "clip" + std::to_string(seconds) + ".mpg", .seconds = seconds});
   }
-  for (int buttons = 1; buttons <= 3; ++buttons) {
+  for (int buttons = 2; buttons <= 3; ++buttons) {
     MakeClip(dir,
              {.file = "menu" + std::to_string(buttons) + ".mpg", .seconds = 1, .buttons = buttons});
   }
