@@ -5,8 +5,9 @@
 #   build   compiler, CMake, Ninja, CLI11, libudfread, Graphviz (tarvex-cli)
 #   test    build + GoogleTest and every tool and library the tests use, so that no test
 #           is skipped: ffmpeg (with ffprobe) and lsdvd for the interoperability tests,
-#           dvdauthor and genisoimage for test discs and ISO images, nlohmann-json, python3
-#           for the damaged-disc tool, and
+#           dvdauthor and genisoimage for test discs and ISO images, libdvdnav-dev for the
+#           playback tests' reference player, nlohmann-json, python3 for the damaged-disc
+#           tool, and
 #           groff, desktop-file-utils, zsh and fish for the manual page, desktop entry and
 #           completion checks (tools/test.sh), graphviz (the dot tool) to read the navigation
 #           graph back
@@ -22,7 +23,7 @@ set -euo pipefail
 
 build_packages=(cmake ninja-build g++ libcli11-dev pkg-config libudfread-dev libgraphviz-dev)
 test_packages=("${build_packages[@]}" libgtest-dev libgmock-dev
-               ffmpeg lsdvd dvdauthor genisoimage nlohmann-json3-dev python3
+               ffmpeg lsdvd dvdauthor genisoimage libdvdnav-dev nlohmann-json3-dev python3
                groff-base desktop-file-utils zsh fish graphviz)
 sample_packages=(ffmpeg dvdauthor lsdvd python3)
 gui_packages=(qt6-base-dev)

@@ -40,6 +40,42 @@ void AddSubpicture(const TempDir& dir, const ClipSpec& clip, int stream) {
   std::filesystem::rename(dir.file(tmp), dir.file(clip.file));
 }
 
+// A transparent picture with one opaque box per button, one above the other; boxes holds the
+// spumux button elements that match them.
+std::string ButtonImage(const TempDir& dir, const ClipSpec& clip, std::string& boxes) {
+  std::string name =
+      "buttons-" + std::to_string(clip.buttons) + (clip.pal ? "-pal.png" : "-ntsc.png");
+  std::string filters;
+  for (int b = 1; b <= clip.buttons; ++b) {
+    std::string y = std::to_string(60 * b), y1 = std::to_string(60 * b + 40);
+    filters += (b > 1 ? "," : "") + std::string("drawbox=x=100:y=") + y +
+               ":w=200:h=40:color=white@1.0:t=fill";
+    boxes += "<button name=\"b" + std::to_string(b) + "\" x0=\"100\" y0=\"" + y +
+             "\" x1=\"300\" y1=\"" + y1 + "\"/>";
+  }
+  if (!std::filesystem::exists(dir.file(name))) {
+    Run(dir, std::string("ffmpeg -v error -y -f lavfi -i color=c=black@0.0:s=720x") +
+                 (clip.pal ? "576" : "480") + ",format=rgba -vf " + filters + " -frames:v 1 " +
+                 name);
+  }
+  return name;
+}
+
+void AddButtons(const TempDir& dir, const ClipSpec& clip) {
+  std::string boxes;
+  std::string image = ButtonImage(dir, clip, boxes);
+  std::string text = "<subpictures><stream><spu start=\"00:00:00.00\" force=\"yes\" image=\"" +
+                     image + "\" highlight=\"" + image + "\" select=\"" + image + "\">" + boxes +
+                     "</spu></stream></subpictures>\n";
+  std::string xml = clip.file + ".buttons.xml";
+  WriteFileBytes(dir.file(xml), std::vector<std::uint8_t>(text.begin(), text.end()));
+  std::string tmp = clip.file + ".buttons.mpg";
+  std::string output = Run(dir, "spumux -s 0 " + ShellQuote(xml) + " <" + ShellQuote(clip.file) +
+                                    " >" + ShellQuote(tmp));
+  ASSERT_GT(std::filesystem::file_size(dir.file(tmp)), 0u) << output;
+  std::filesystem::rename(dir.file(tmp), dir.file(clip.file));
+}
+
 }  // namespace
 
 void MakeClip(const TempDir& dir, const ClipSpec& clip) {
@@ -64,6 +100,7 @@ void MakeClip(const TempDir& dir, const ClipSpec& clip) {
   ASSERT_TRUE(std::filesystem::exists(dir.file(clip.file))) << command << "\n" << output;
   if (!clip.renumber.empty()) RenumberStreams(dir.file(clip.file), clip.renumber);
   for (int stream : clip.subpictures) AddSubpicture(dir, clip, stream);
+  if (clip.buttons > 0) AddButtons(dir, clip);
 }
 
 std::size_t RenumberStreams(const std::string& path,
@@ -91,12 +128,13 @@ std::size_t RenumberStreams(const std::string& path,
   return changed;
 }
 
-std::string AuthorDisc(const TempDir& dir, const std::string& xml) {
-  WriteFileBytes(dir.file("disc.xml"), std::vector<std::uint8_t>(xml.begin(), xml.end()));
-  std::string output = Run(dir, "dvdauthor -x disc.xml");
-  bool made = std::filesystem::exists(dir.file("out/VIDEO_TS/VIDEO_TS.IFO"));
+std::string AuthorDisc(const TempDir& dir, const std::string& xml, const std::string& dest) {
+  std::string control = dest + ".xml";
+  WriteFileBytes(dir.file(control), std::vector<std::uint8_t>(xml.begin(), xml.end()));
+  std::string output = Run(dir, "dvdauthor -x " + ShellQuote(control));
+  bool made = std::filesystem::exists(dir.file(dest + "/VIDEO_TS/VIDEO_TS.IFO"));
   EXPECT_TRUE(made) << output;
-  return made ? dir.file("out") : std::string();
+  return made ? dir.file(dest) : std::string();
 }
 
 const std::string& WidePalDisc() {

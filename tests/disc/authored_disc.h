@@ -29,6 +29,10 @@ struct ClipSpec {
   std::vector<std::pair<std::uint8_t, std::uint8_t>> renumber{};
   // Sub-picture stream numbers (0-31) that spumux adds, in this order.
   std::vector<int> subpictures{};
+  // Menu buttons b1, b2, ... (a column of boxes) that spumux adds as sub-picture stream 0, shown
+  // from the start (forced) with its highlight and select pictures; 0 for none. spumux gives
+  // each button its neighbours: b1 is above b2.
+  int buttons = 0;
 };
 void MakeClip(const TempDir& dir, const ClipSpec& clip);
 
@@ -38,8 +42,9 @@ std::size_t RenumberStreams(const std::string& path,
                             const std::vector<std::pair<std::uint8_t, std::uint8_t>>& renumber);
 
 // Runs dvdauthor on the control file xml, whose paths are those of the test's folder and whose
-// dest is "out"; returns the disc (dir/out) or "" after a test failure with dvdauthor's output.
-std::string AuthorDisc(const TempDir& dir, const std::string& xml);
+// dest is dest (default "out"); returns the disc (dir/dest) or "" after a test failure with
+// dvdauthor's output.
+std::string AuthorDisc(const TempDir& dir, const std::string& xml, const std::string& dest = "out");
 
 // Two discs authored once per test run (their folders live until the run ends):
 //
