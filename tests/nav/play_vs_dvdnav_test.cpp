@@ -2,8 +2,6 @@
 // both must enter the same cells (domain, title set, chain, cell, first sector) in the same order
 // and play the same first title. A run of play that ends in a loop is compared up to its length:
 // libdvdnav keeps going (or hangs) where play stops.
-#if defined(TARVEX_HAVE_PLAY)
-
 #include <gtest/gtest.h>
 
 #include "disc/disc_test_support.h"
@@ -103,5 +101,3 @@ TEST(PlayVsDvdnav, AutoAction) {
 
 }  // namespace
 }  // namespace tarvex::test
-
-#endif  // TARVEX_HAVE_PLAY
