@@ -49,7 +49,7 @@ _tarvex_cli_argument_kinds() { # command position
     ifo:1 | disasm:1) echo "ifo" ;;
     disasm:2 | asm:1) echo "ini" ;;
     asm:2) echo "ifo" ;;
-    info:1 | verify:1) echo "disc" ;;
+    info:1 | verify:1 | play:1 | graph:1) echo "disc" ;;
     *) echo "" ;;
   esac
 }
@@ -57,7 +57,7 @@ _tarvex_cli_argument_kinds() { # command position
 _tarvex_cli() {
   local cur=${COMP_WORDS[COMP_CWORD]}
   local prev=${COMP_WORDS[COMP_CWORD - 1]}
-  local commands="open list hex details extract ifo disasm asm info verify"
+  local commands="open list hex details extract ifo disasm asm info verify play graph"
   local global_options="--help --version --yes --no"
   local -a extract_options=(--audio --video --stills --subpictures --disassemble --dir
     --video-out --stills-out --subpictures-out --source-out)
@@ -71,7 +71,8 @@ _tarvex_cli() {
   for ((i = 1; i < COMP_CWORD; i++)); do
     word=${COMP_WORDS[i]}
     case "$word" in
-      --dir | --video-out | --stills-out | --subpictures-out | --source-out) ((i++)) ;;
+      --dir | --video-out | --stills-out | --subpictures-out | --source-out | --keys | \
+        --max-cells | --language | --region | --svg) ((i++)) ;;
       -*) ;;
       *)
         if [[ -z $command ]]; then command=$word; else ((position++)); fi
@@ -84,8 +85,11 @@ _tarvex_cli() {
       _tarvex_folders "$cur"
       return
       ;;
-    --video-out | --stills-out | --subpictures-out | --source-out)
+    --video-out | --stills-out | --subpictures-out | --source-out | --svg)
       mapfile -t COMPREPLY < <(compgen -f -- "$cur")
+      return
+      ;;
+    --keys | --max-cells | --language | --region)
       return
       ;;
   esac
@@ -108,6 +112,8 @@ _tarvex_cli() {
       extract) options+=" ${extract_options[*]}" ;;
       list | info) options+=" --json" ;;
       verify) options+=" --json --ifo-only --list-checks" ;;
+      play) options+=" --json --keys --registers --max-cells --language --region" ;;
+      graph) options+=" --svg" ;;
     esac
     compopt +o filenames 2>/dev/null
     COMPREPLY=($(compgen -W "$options" -- "$cur"))

@@ -86,6 +86,7 @@ class Analyzer {
     a_.chains = AllChains(disc_);
     for (std::size_t i = 0; i < a_.chains.size(); ++i) a_.index[a_.chains[i]] = i;
     a_.edges.resize(a_.chains.size());
+    a_.escapes.assign(a_.chains.size(), false);
     for (std::size_t i = 0; i < a_.chains.size(); ++i) AddEdges(i);
     Reach();
     FindLoops();
@@ -188,14 +189,37 @@ class Analyzer {
     }
   }
 
+  // Whether a link goes to another chain's commands (or this one's again) rather than to a cell,
+  // a program, a resume point or the end of playback.
+  static bool ToChain(const Link& l) {
+    switch (l.kind) {
+      case LinkKind::kChain:
+      case LinkKind::kTopChain:
+      case LinkKind::kNextChain:
+      case LinkKind::kPrevChain:
+      case LinkKind::kGoUpChain:
+        return true;
+      default:
+        return l.kind > LinkKind::kExit;
+    }
+  }
+
+  // Whether some path through the commands leaves without linking to a chain: it plays a cell,
+  // resumes, exits, or links to a chain that does not exist (a player stops there).
+  bool Escapes(std::size_t from, const Pgc& pgc, const Walk& walk) {
+    for (const FoundLink& f : walk.links) {
+      if (f.link.kind == LinkKind::kTailChain) continue;
+      if (!ToChain(f.link) || Targets(a_.chains[from], pgc, f.link).empty()) return true;
+    }
+    return false;
+  }
+
   // after_comparison: reaching the commands at all depends on a comparison.
   void AddLinks(std::size_t from, const Pgc& pgc, const Walk& walk, const std::string& where,
                 bool hangs, std::uint32_t button, bool after_comparison = false) {
     for (const FoundLink& f : walk.links) {
       // A link to a cell or program of the chain plays a cell: it cannot hang.
-      bool to_chain = f.link.kind == LinkKind::kChain || f.link.kind == LinkKind::kTopChain ||
-                      f.link.kind == LinkKind::kNextChain || f.link.kind == LinkKind::kPrevChain ||
-                      f.link.kind == LinkKind::kGoUpChain || f.link.kind >= LinkKind::kExit;
+      bool to_chain = ToChain(f.link);
       std::string label = button ? Format("button %d", {button}) : Format("%s %d", {where, f.line});
       for (std::size_t to : Targets(a_.chains[from], pgc, f.link)) {
         a_.edges[from].push_back(
@@ -253,6 +277,10 @@ class Analyzer {
     bool after_comparison = !plays && !tail && !pre.falls_always;
     Walk post = WalkCommands(pgc->post);
     AddLinks(from, *pgc, post, "post", post_hangs, 0, after_comparison);
+    bool reaches_post = tail || (!plays && pre.falls_through);
+    bool stops = post.falls_through && SameDomain(a_.chains[from], pgc->next).empty();
+    a_.escapes[from] = Escapes(from, *pgc, pre) || (pre.falls_through && plays) ||
+                       (reaches_post && (Escapes(from, *pgc, post) || stops));
     if (post.falls_through) {
       for (std::size_t to : SameDomain(a_.chains[from], pgc->next)) {
         a_.edges[from].push_back(
@@ -332,16 +360,18 @@ class Analyzer {
   void FindLoops() {
     a_.on_loop.assign(a_.chains.size(), false);
     auto hangs = [](const NavEdge& e) { return e.hangs; };
-    auto always = [](const NavEdge& e) { return e.hangs && !e.conditional; };
     for (std::vector<std::size_t>& c : Components(hangs, a_.reachable)) {
       if (!IsCycle(c, hangs)) continue;
       std::sort(c.begin(), c.end());
       std::vector<bool> inside(a_.chains.size(), false);
       for (std::size_t v : c) inside[v] = true;
-      NavLoop loop{c, false};
-      for (const std::vector<std::size_t>& sub : Components(always, inside)) {
-        loop.unconditional = loop.unconditional || IsCycle(sub, always);
+      // Every way out of the cycle's chains stays in it: a player that enters never leaves.
+      bool closed = true;
+      for (std::size_t v : c) {
+        closed = closed && !a_.escapes[v];
+        for (const NavEdge& e : a_.edges[v]) closed = closed && (!e.hangs || inside[e.to]);
       }
+      NavLoop loop{c, closed};
       for (std::size_t v : c) a_.on_loop[v] = true;
       a_.loops.push_back(std::move(loop));
     }

@@ -28,7 +28,7 @@ struct NavEdge {
 
 struct NavLoop {
   std::vector<std::size_t> chains;  // the chains of the cycle, in node order
-  bool unconditional = false;       // a cycle whose every link is taken always
+  bool unconditional = false;       // no comparison lets a player out of the cycle
 };
 
 struct NavAnalysis {
@@ -36,6 +36,8 @@ struct NavAnalysis {
   std::map<ChainRef, std::size_t> index;
   std::vector<std::vector<NavEdge>> edges;
   std::vector<bool> reachable;
+  // Some path through the chain's commands plays a cell, waits, resumes, exits or stops.
+  std::vector<bool> escapes;
   std::vector<NavLoop> loops;
   std::vector<bool> on_loop;
 };
