@@ -29,7 +29,7 @@ std::vector<std::uint8_t> Take(const std::uint8_t*& data, std::size_t& size) {
 }
 
 std::vector<std::string> Keys(const std::uint8_t* data, std::size_t size) {
-  static const char* const kKeys[] = {"up",   "down", "left",  "right", "enter", "skip",
+  static const char* const kKeys[] = {"up",   "down",  "left", "right", "enter", "skip",
                                       "menu", "title", "1",    "2",     "3",     "36"};
   std::vector<std::string> keys;
   for (std::size_t i = 0; i < size && i < 64; ++i) keys.emplace_back(kKeys[data[i] % 12]);

@@ -137,7 +137,8 @@ void AddVerify(CLI::App& app, Session& session) {
         session.exit_status = 1;
         return;
       }
-      VerifyOptions options{.ifo_only = o->ifo_only, .more_checks = [](const Disc& d, Findings& out) {
+      VerifyOptions options{.ifo_only = o->ifo_only,
+                            .more_checks = [](const Disc& d, Findings& out) {
                               nav::AddNavigationFindings(d, nav::Analyze(d), out);
                             }};
       VerifyResult result = VerifyDisc(*disc, options);

@@ -38,7 +38,8 @@ bool SplitKeys(const std::string& text, std::vector<std::string>& keys) {
   std::size_t start = 0;
   while (start <= text.size() && !text.empty()) {
     std::size_t comma = text.find(',', start);
-    std::string key = text.substr(start, comma == std::string::npos ? std::string::npos : comma - start);
+    std::string key =
+        text.substr(start, comma == std::string::npos ? std::string::npos : comma - start);
     if (!nav::IsKey(key)) {
       std::fprintf(stderr,
                    "tarvex-cli play: unknown key '%s' (keys: up, down, left, right, enter, skip, "
@@ -112,8 +113,8 @@ void AddPlay(CLI::App& app, Session& session) {
       ->check(CLI::Range(1u, 8u));
   cmd->callback([&session, o] {
     session.action = [&session, o] {
-      nav::PlayOptions options{.keys = {}, .max_cells = o->max_cells, .language = o->language,
-                               .region = o->region};
+      nav::PlayOptions options{
+          .keys = {}, .max_cells = o->max_cells, .language = o->language, .region = o->region};
       if (!SplitKeys(o->keys, options.keys)) {
         session.usage_error = true;
         return;

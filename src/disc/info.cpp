@@ -460,7 +460,8 @@ void NavigationText(std::string& out, const TitleNavigation& navigation) {
                                 : std::string("First title played: none\n");
   std::string unreachable;
   for (std::size_t t = 0; t < navigation.reachable.size(); ++t) {
-    if (!navigation.reachable[t]) unreachable += (unreachable.empty() ? "" : ", ") + std::to_string(t + 1);
+    if (!navigation.reachable[t])
+      unreachable += (unreachable.empty() ? "" : ", ") + std::to_string(t + 1);
   }
   if (!unreachable.empty()) out += "Titles no path reaches: " + unreachable + "\n";
 }

@@ -23,8 +23,8 @@ struct FoundLink {
 
 struct Walk {
   std::vector<FoundLink> links;
-  bool falls_through = false;      // some path runs past the last command
-  bool falls_always = false;       // a path without a comparison does
+  bool falls_through = false;               // some path runs past the last command
+  bool falls_always = false;                // a path without a comparison does
   std::vector<std::uint16_t> timer_chains;  // SetNVTMR chains
 };
 
@@ -53,7 +53,8 @@ Walk WalkCommands(std::span<const NavCommand> list) {
     }
     if (in.type == 0 && in.special != Special::kNop) {
       std::size_t target = in.special == Special::kBreak ? list.size()
-                           : in.line ? std::size_t{in.line} - 1 : i + 1;
+                           : in.line                     ? std::size_t{in.line} - 1
+                                                         : i + 1;
       todo.push_back({target, cond || compares});
       if (compares) todo.push_back({i + 1, true});
       continue;
@@ -163,29 +164,42 @@ class Analyzer {
       return n ? std::vector<std::size_t>{*n} : std::vector<std::size_t>{};
     };
     switch (l.kind) {
-      case LinkKind::kChain: return SameDomain(from, l.number);
-      case LinkKind::kNextChain: return SameDomain(from, pgc.next);
-      case LinkKind::kPrevChain: return SameDomain(from, pgc.previous);
-      case LinkKind::kGoUpChain: return SameDomain(from, pgc.go_up);
-      case LinkKind::kTopChain: return one(Node(from));
-      case LinkKind::kPart: return PartTargets(from, l.number);
+      case LinkKind::kChain:
+        return SameDomain(from, l.number);
+      case LinkKind::kNextChain:
+        return SameDomain(from, pgc.next);
+      case LinkKind::kPrevChain:
+        return SameDomain(from, pgc.previous);
+      case LinkKind::kGoUpChain:
+        return SameDomain(from, pgc.go_up);
+      case LinkKind::kTopChain:
+        return one(Node(from));
+      case LinkKind::kPart:
+        return PartTargets(from, l.number);
       case LinkKind::kJumpTitle: {
         if (l.number < 1 || l.number > disc_.vmg.titles.size()) return {};
         const TitleEntry& t = disc_.vmg.titles[l.number - 1];
         return one(PartNode(t.title_set, t.title_in_set, 1));
       }
-      case LinkKind::kJumpVtsTitle: return vts ? one(PartNode(vts, l.number, 1)) : std::vector<std::size_t>{};
-      case LinkKind::kJumpVtsPart: return vts ? one(PartNode(vts, l.title, l.number)) : std::vector<std::size_t>{};
+      case LinkKind::kJumpVtsTitle:
+        return vts ? one(PartNode(vts, l.number, 1)) : std::vector<std::size_t>{};
+      case LinkKind::kJumpVtsPart:
+        return vts ? one(PartNode(vts, l.title, l.number)) : std::vector<std::size_t>{};
       case LinkKind::kJumpFirstPlay:
-      case LinkKind::kCallFirstPlay: return FirstPlayNodes();
+      case LinkKind::kCallFirstPlay:
+        return FirstPlayNodes();
       case LinkKind::kJumpVmgMenu:
-      case LinkKind::kCallVmgMenu: return MenuNodes(Domain::kVmgMenu, 0, l.menu);
+      case LinkKind::kCallVmgMenu:
+        return MenuNodes(Domain::kVmgMenu, 0, l.menu);
       case LinkKind::kJumpVtsMenu:
         return MenuNodes(Domain::kVtsMenu, l.title_set ? l.title_set : vts, l.menu);
-      case LinkKind::kCallVtsMenu: return MenuNodes(Domain::kVtsMenu, vts, l.menu);
+      case LinkKind::kCallVtsMenu:
+        return MenuNodes(Domain::kVtsMenu, vts, l.menu);
       case LinkKind::kJumpVmgChain:
-      case LinkKind::kCallVmgChain: return VmgChainNodes(l.number);
-      default: return {};  // cells, programs, resume, exit, the tail of the chain
+      case LinkKind::kCallVmgChain:
+        return VmgChainNodes(l.number);
+      default:
+        return {};  // cells, programs, resume, exit, the tail of the chain
     }
   }
 
@@ -392,8 +406,10 @@ struct ChainPlace {
 
 ChainPlace PlaceOf(const Disc& disc, const ChainRef& c) {
   switch (c.domain) {
-    case Domain::kFirstPlay: return {"VIDEO_TS.IFO", "FP_PGC", 0};
-    case Domain::kVmgMenu: return {"VIDEO_TS.IFO", "VMGM_PGCI_UT", c.pgc};
+    case Domain::kFirstPlay:
+      return {"VIDEO_TS.IFO", "FP_PGC", 0};
+    case Domain::kVmgMenu:
+      return {"VIDEO_TS.IFO", "VMGM_PGCI_UT", c.pgc};
     default: {
       const TitleSet* ts = disc.FindTitleSet(c.title_set);
       std::string file = ts ? ts->ifo_name : Format("VTS_%02d_0.IFO", {c.title_set});
@@ -419,7 +435,9 @@ std::string MenuRole(const Pgc& pgc) {
 
 }  // namespace
 
-NavAnalysis Analyze(const Disc& disc) { return Analyzer(disc).Run(); }
+NavAnalysis Analyze(const Disc& disc) {
+  return Analyzer(disc).Run();
+}
 
 bool TitleReachable(const Disc& disc, const NavAnalysis& analysis, std::uint32_t title) {
   if (title < 1 || title > disc.vmg.titles.size()) return false;
@@ -437,10 +455,14 @@ namespace {
 
 std::string NodeId(const ChainRef& c) {
   switch (c.domain) {
-    case Domain::kFirstPlay: return "fp";
-    case Domain::kVmgMenu: return Format("vmgm_u%d_p%d", {c.unit + 1, c.pgc});
-    case Domain::kVtsMenu: return Format("vtsm%d_u%d_p%d", {c.title_set, c.unit + 1, c.pgc});
-    default: return Format("vts%d_p%d", {c.title_set, c.pgc});
+    case Domain::kFirstPlay:
+      return "fp";
+    case Domain::kVmgMenu:
+      return Format("vmgm_u%d_p%d", {c.unit + 1, c.pgc});
+    case Domain::kVtsMenu:
+      return Format("vtsm%d_u%d_p%d", {c.title_set, c.unit + 1, c.pgc});
+    default:
+      return Format("vts%d_p%d", {c.title_set, c.pgc});
   }
 }
 
@@ -507,12 +529,12 @@ void AddNavigationFindings(const Disc& disc, const NavAnalysis& analysis, Findin
     if (c.domain == Domain::kVtsTitle && BelongsToTitle(disc, c)) continue;  // its title says it
     ChainPlace place = PlaceOf(disc, c);
     out.AtTable("nav.unreachable", place.file, place.table, place.entry,
-                ChainName(disc, c) +
-                    " is reached by no path from first play, a menu or a button");
+                ChainName(disc, c) + " is reached by no path from first play, a menu or a button");
   }
   for (const NavLoop& loop : analysis.loops) {
     std::string names;
-    for (std::size_t v : loop.chains) names += (names.empty() ? "" : ", ") + ChainName(disc, analysis.chains[v]);
+    for (std::size_t v : loop.chains)
+      names += (names.empty() ? "" : ", ") + ChainName(disc, analysis.chains[v]);
     ChainPlace place = PlaceOf(disc, analysis.chains[loop.chains.front()]);
     std::string message =
         "a player hangs in a loop of " + names +

@@ -6,15 +6,18 @@ namespace tarvex::nav {
 
 const char* DomainName(Domain domain) {
   switch (domain) {
-    case Domain::kFirstPlay: return "fp";
-    case Domain::kVmgMenu: return "vmgm";
-    case Domain::kVtsMenu: return "vtsm";
-    default: return "vts";
+    case Domain::kFirstPlay:
+      return "fp";
+    case Domain::kVmgMenu:
+      return "vmgm";
+    case Domain::kVtsMenu:
+      return "vtsm";
+    default:
+      return "vts";
   }
 }
 
-const std::vector<LanguageUnit>* UnitsOf(const Disc& disc, Domain domain,
-                                         std::uint32_t title_set) {
+const std::vector<LanguageUnit>* UnitsOf(const Disc& disc, Domain domain, std::uint32_t title_set) {
   if (domain == Domain::kVmgMenu) return &disc.vmg.menus;
   if (domain != Domain::kVtsMenu) return nullptr;
   const TitleSet* ts = disc.FindTitleSet(title_set);
@@ -91,10 +94,14 @@ std::string ChainName(const Disc& disc, const ChainRef& chain) {
     unit = UnitLanguage(disc, chain).value_or(Format("unit %d", {chain.unit + 1})) + " ";
   }
   switch (chain.domain) {
-    case Domain::kFirstPlay: return "first play";
-    case Domain::kVmgMenu: return "VMGM " + unit + Format("PGC %d", {chain.pgc});
-    case Domain::kVtsMenu: return Format("VTSM %d ", {chain.title_set}) + unit + Format("PGC %d", {chain.pgc});
-    default: return Format("VTS %d PGC %d", {chain.title_set, chain.pgc});
+    case Domain::kFirstPlay:
+      return "first play";
+    case Domain::kVmgMenu:
+      return "VMGM " + unit + Format("PGC %d", {chain.pgc});
+    case Domain::kVtsMenu:
+      return Format("VTSM %d ", {chain.title_set}) + unit + Format("PGC %d", {chain.pgc});
+    default:
+      return Format("VTS %d PGC %d", {chain.title_set, chain.pgc});
   }
 }
 

@@ -16,10 +16,16 @@ std::uint16_t Be16(const CommandBytes& b, int at) {
 }
 
 // b1 bit 7: the comparison's second value is immediate; b1 bits 6-4: the comparison.
-CompareOp CompareOf(const CommandBytes& b) { return static_cast<CompareOp>((b[1] >> 4) & 7); }
-bool CompareImmediate(const CommandBytes& b) { return (b[1] & 0x80) != 0; }
+CompareOp CompareOf(const CommandBytes& b) {
+  return static_cast<CompareOp>((b[1] >> 4) & 7);
+}
+bool CompareImmediate(const CommandBytes& b) {
+  return (b[1] & 0x80) != 0;
+}
 // b0 bit 4: the set's or system set's value is immediate.
-bool SetImmediate(const CommandBytes& b) { return (b[0] & 0x10) != 0; }
+bool SetImmediate(const CommandBytes& b) {
+  return (b[0] & 0x10) != 0;
+}
 
 // A 16-bit immediate at b[at], b[at + 1], or the register named by b[at + 1].
 Operand RegisterOrValue(const CommandBytes& b, bool immediate, int at) {
@@ -49,11 +55,11 @@ Link SubInstructionLink(const CommandBytes& b) {
   std::uint8_t op = b[7] & 0x1F;
   link.button = b[6] >> 2;
   static constexpr LinkKind kKinds[17] = {
-      LinkKind::kNoLink,      LinkKind::kTopCell,     LinkKind::kNextCell,   LinkKind::kPrevCell,
-      LinkKind::kNone,        LinkKind::kTopProgram,  LinkKind::kNextProgram,
-      LinkKind::kPrevProgram, LinkKind::kNone,        LinkKind::kTopChain,   LinkKind::kNextChain,
-      LinkKind::kPrevChain,   LinkKind::kGoUpChain,   LinkKind::kTailChain,  LinkKind::kNone,
-      LinkKind::kNone,        LinkKind::kResume};
+      LinkKind::kNoLink,    LinkKind::kTopCell,    LinkKind::kNextCell,    LinkKind::kPrevCell,
+      LinkKind::kNone,      LinkKind::kTopProgram, LinkKind::kNextProgram, LinkKind::kPrevProgram,
+      LinkKind::kNone,      LinkKind::kTopChain,   LinkKind::kNextChain,   LinkKind::kPrevChain,
+      LinkKind::kGoUpChain, LinkKind::kTailChain,  LinkKind::kNone,        LinkKind::kNone,
+      LinkKind::kResume};
   link.kind = op <= 16 ? kKinds[op] : LinkKind::kNone;
   return link;
 }
@@ -297,19 +303,32 @@ std::string ButtonSuffix(std::uint16_t button) {
 
 std::string SubInstructionText(LinkKind kind) {
   switch (kind) {
-    case LinkKind::kNoLink: return "LinkNoLink";
-    case LinkKind::kTopCell: return "LinkTopC";
-    case LinkKind::kNextCell: return "LinkNextC";
-    case LinkKind::kPrevCell: return "LinkPrevC";
-    case LinkKind::kTopProgram: return "LinkTopPG";
-    case LinkKind::kNextProgram: return "LinkNextPG";
-    case LinkKind::kPrevProgram: return "LinkPrevPG";
-    case LinkKind::kTopChain: return "LinkTopPGC";
-    case LinkKind::kNextChain: return "LinkNextPGC";
-    case LinkKind::kPrevChain: return "LinkPrevPGC";
-    case LinkKind::kGoUpChain: return "LinkGoUpPGC";
-    case LinkKind::kTailChain: return "LinkTailPGC";
-    default: return "RSM";
+    case LinkKind::kNoLink:
+      return "LinkNoLink";
+    case LinkKind::kTopCell:
+      return "LinkTopC";
+    case LinkKind::kNextCell:
+      return "LinkNextC";
+    case LinkKind::kPrevCell:
+      return "LinkPrevC";
+    case LinkKind::kTopProgram:
+      return "LinkTopPG";
+    case LinkKind::kNextProgram:
+      return "LinkNextPG";
+    case LinkKind::kPrevProgram:
+      return "LinkPrevPG";
+    case LinkKind::kTopChain:
+      return "LinkTopPGC";
+    case LinkKind::kNextChain:
+      return "LinkNextPGC";
+    case LinkKind::kPrevChain:
+      return "LinkPrevPGC";
+    case LinkKind::kGoUpChain:
+      return "LinkGoUpPGC";
+    case LinkKind::kTailChain:
+      return "LinkTailPGC";
+    default:
+      return "RSM";
   }
 }
 
@@ -381,7 +400,8 @@ std::string SystemSetText(const SystemSet& s) {
       static constexpr const char* kNames[] = {"audio", "sub-picture", "angle"};
       std::string out = "SetSTN";
       for (int i = 0; i < 3; ++i) {
-        if (s.stream_present[i]) out += std::string(" ") + kNames[i] + "=" + OperandText(s.streams[i]);
+        if (s.stream_present[i])
+          out += std::string(" ") + kNames[i] + "=" + OperandText(s.streams[i]);
       }
       return out;
     }

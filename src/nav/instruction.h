@@ -32,7 +32,18 @@ struct Condition {
 
 // GPRM operations of the set commands (b0 bits 3-0 of types 3 to 6).
 enum class SetOp : std::uint8_t {
-  kNone = 0, kMov, kSwp, kAdd, kSub, kMul, kDiv, kMod, kRnd, kAnd, kOr, kXor
+  kNone = 0,
+  kMov,
+  kSwp,
+  kAdd,
+  kSub,
+  kMul,
+  kDiv,
+  kMod,
+  kRnd,
+  kAnd,
+  kOr,
+  kXor
 };
 
 struct GprmSet {
@@ -49,7 +60,7 @@ struct SystemSet {
   // kStreams: SPRM 1, 2, 3 (audio, sub-picture, angle), each set when present.
   std::array<bool, 3> stream_present{};
   std::array<Operand, 3> streams{};
-  Operand value;               // timer seconds, GPRM value, button number x 1024
+  Operand value;                // timer seconds, GPRM value, button number x 1024
   std::uint16_t timer_pgc = 0;  // kNavigationTimer: the chain played when the timer ends
   std::uint8_t gprm = 0;        // kGprmMode
   bool counter = false;         // kGprmMode: counter mode on
@@ -59,22 +70,45 @@ struct SystemSet {
 enum class LinkKind : std::uint8_t {
   kNone,
   // Link by sub-instruction (the numbers are the command set's own).
-  kNoLink, kTopCell, kNextCell, kPrevCell, kTopProgram, kNextProgram, kPrevProgram,
-  kTopChain, kNextChain, kPrevChain, kGoUpChain, kTailChain, kResume,
-  kChain, kPart, kProgram, kCell,  // LinkPGCN, LinkPTTN, LinkPGN, LinkCN
-  kExit, kJumpTitle, kJumpVtsTitle, kJumpVtsPart,
-  kJumpFirstPlay, kJumpVmgMenu, kJumpVtsMenu, kJumpVmgChain,
-  kCallFirstPlay, kCallVmgMenu, kCallVtsMenu, kCallVmgChain,
+  kNoLink,
+  kTopCell,
+  kNextCell,
+  kPrevCell,
+  kTopProgram,
+  kNextProgram,
+  kPrevProgram,
+  kTopChain,
+  kNextChain,
+  kPrevChain,
+  kGoUpChain,
+  kTailChain,
+  kResume,
+  kChain,
+  kPart,
+  kProgram,
+  kCell,  // LinkPGCN, LinkPTTN, LinkPGN, LinkCN
+  kExit,
+  kJumpTitle,
+  kJumpVtsTitle,
+  kJumpVtsPart,
+  kJumpFirstPlay,
+  kJumpVmgMenu,
+  kJumpVtsMenu,
+  kJumpVmgChain,
+  kCallFirstPlay,
+  kCallVmgMenu,
+  kCallVtsMenu,
+  kCallVmgChain,
 };
 
 struct Link {
   LinkKind kind = LinkKind::kNone;
-  std::uint32_t number = 0;  // chain, part, program, cell, title, menu id
-  std::uint32_t title = 0;   // kJumpVtsPart: the VTS title; kJumpVtsMenu: the VTS title
-  std::uint32_t title_set = 0;    // kJumpVtsMenu
-  std::uint8_t menu = 0;          // menu id of the system-space jumps and calls
-  std::uint8_t resume_cell = 0;   // calls
-  std::uint16_t button = 0;       // the button a link highlights, 0 none
+  std::uint32_t number = 0;      // chain, part, program, cell, title, menu id
+  std::uint32_t title = 0;       // kJumpVtsPart: the VTS title; kJumpVtsMenu: the VTS title
+  std::uint32_t title_set = 0;   // kJumpVtsMenu
+  std::uint8_t menu = 0;         // menu id of the system-space jumps and calls
+  std::uint8_t resume_cell = 0;  // calls
+  std::uint16_t button = 0;      // the button a link highlights, 0 none
 };
 
 // The special instructions of type 0.
@@ -88,12 +122,12 @@ struct Instruction {
   GprmSet set;
   SystemSet system;
   Special special = Special::kNop;
-  std::uint8_t line = 0;          // goto line (1-based)
-  std::uint8_t parental = 0;      // SetTmpPML level
+  std::uint8_t line = 0;      // goto line (1-based)
+  std::uint8_t parental = 0;  // SetTmpPML level
   Link link;
-  bool link_always = false;       // type 6: the link is taken whatever the comparison gives
+  bool link_always = false;         // type 6: the link is taken whatever the comparison gives
   bool set_before_compare = false;  // type 4
-  bool unknown = false;           // type 7, or an illegal form
+  bool unknown = false;             // type 7, or an illegal form
 };
 
 Instruction Decode(const CommandBytes& bytes);

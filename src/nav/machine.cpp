@@ -40,7 +40,9 @@ struct Resume {
 // What a key did at a cell that waits for the user.
 enum class KeyEffect : std::uint8_t { kNone, kEndStill, kJump };
 
-std::uint8_t BlockMode(const Cell& cell) { return cell.category[0] >> 6; }
+std::uint8_t BlockMode(const Cell& cell) {
+  return cell.category[0] >> 6;
+}
 
 class Machine {
  public:
@@ -61,15 +63,24 @@ class Machine {
  private:
   Step Advance(const Step& step) {
     switch (step.kind) {
-      case StepKind::kChain: return EnterChain(true);
-      case StepKind::kChainProgram: return EnterChain(false);
-      case StepKind::kProgram: return PlayProgram();
-      case StepKind::kCell: return PlayCell();
-      case StepKind::kResumeCell: return EnterCell();
-      case StepKind::kCellPost: return CellPost();
-      case StepKind::kChainPost: return ChainPost();
-      case StepKind::kLink: return ProcessLink(step.link);
-      default: return {};
+      case StepKind::kChain:
+        return EnterChain(true);
+      case StepKind::kChainProgram:
+        return EnterChain(false);
+      case StepKind::kProgram:
+        return PlayProgram();
+      case StepKind::kCell:
+        return PlayCell();
+      case StepKind::kResumeCell:
+        return EnterCell();
+      case StepKind::kCellPost:
+        return CellPost();
+      case StepKind::kChainPost:
+        return ChainPost();
+      case StepKind::kLink:
+        return ProcessLink(step.link);
+      default:
+        return {};
     }
   }
 
@@ -248,12 +259,13 @@ class Machine {
     Instruction in = Decode(bytes);
     Registers before = regs_;
     Outcome out = Execute(in, regs_);
-    CommandEvent event{Here(), UnitLanguage(disc_, Here()), where, number, InstructionText(in),
-                       ResultText(out), RegisterChanges(before, regs_)};
-    result_.trace.push_back({TraceLine::Kind::kCommand,
-                             Format("  %s %d: ", {where, number}) + event.text + "  -> " +
-                                 event.result,
-                             event.registers});
+    CommandEvent event{
+        Here(),          UnitLanguage(disc_, Here()),   where, number, InstructionText(in),
+        ResultText(out), RegisterChanges(before, regs_)};
+    result_.trace.push_back(
+        {TraceLine::Kind::kCommand,
+         Format("  %s %d: ", {where, number}) + event.text + "  -> " + event.result,
+         event.registers});
     result_.commands.push_back(std::move(event));
     if (in.unknown) {
       End("error", Format("%s command %d of ", {where, number}) + HereName() +
@@ -326,7 +338,8 @@ class Machine {
 
   void RecordCell() {
     const Cell& cell = pgc_->cells[celln_ - 1];
-    CellEvent event{Here(), UnitLanguage(disc_, Here()), {}, {}, celln_, cell.first_sector, {}, false};
+    CellEvent event{Here(), UnitLanguage(disc_, Here()), {}, {},
+                    celln_, cell.first_sector,           {}, false};
     std::string line = Format("  cell %d (sector %d)", {celln_, cell.first_sector});
     if (domain_ == Domain::kVtsTitle) {
       TitleOfCell(event);
@@ -369,8 +382,9 @@ class Machine {
     if (result_.cells.size() >= options_.max_cells) {
       return End("limit", Format("%d cells played", {options_.max_cells}));
     }
-    if (Repeats('p')) return End("loop", "back at cell " + std::to_string(celln_) + " of " +
-                                             HereName() + " in a state it was in");
+    if (Repeats('p'))
+      return End("loop", "back at cell " + std::to_string(celln_) + " of " + HereName() +
+                             " in a state it was in");
     commands_since_cell_ = 0;
     RecordCell();
     const Cell& cell = pgc_->cells[celln_ - 1];
@@ -394,9 +408,9 @@ class Machine {
 
   Step WaitAtStill(const HighlightInfo* buttons) {
     for (;;) {
-      if (Repeats('s')) return End("loop", "waiting at the still of cell " +
-                                               std::to_string(celln_) + " of " + HereName() +
-                                               " in a state it was in");
+      if (Repeats('s'))
+        return End("loop", "waiting at the still of cell " + std::to_string(celln_) + " of " +
+                               HereName() + " in a state it was in");
       Step step;
       KeyEffect effect = WaitForKey(buttons, true, step);
       if (!result_.end.empty()) return {};
@@ -436,7 +450,10 @@ class Machine {
     if (key == "up" || key == "down" || key == "left" || key == "right") {
       if (!valid) return KeyEffect::kNone;
       const NavButton& b = buttons->buttons[current - 1];
-      std::uint32_t next = key == "up" ? b.up : key == "down" ? b.down : key == "left" ? b.left : b.right;
+      std::uint32_t next = key == "up"     ? b.up
+                           : key == "down" ? b.down
+                           : key == "left" ? b.left
+                                           : b.right;
       if (next >= 1 && next <= buttons->buttons.size()) regs_.Highlight(next);
       const NavButton& now = buttons->buttons[regs_.highlighted_button() - 1];
       if (now.auto_action) return Activate(*buttons, now.number, step);
@@ -516,34 +533,53 @@ class Machine {
   Step ProcessLink(const Link& link) {
     if (link.button) regs_.Highlight(link.button);
     switch (link.kind) {
-      case LinkKind::kTopCell: return Go(StepKind::kCell);
-      case LinkKind::kNextCell: ++celln_; return Go(StepKind::kCell);
+      case LinkKind::kTopCell:
+        return Go(StepKind::kCell);
+      case LinkKind::kNextCell:
+        ++celln_;
+        return Go(StepKind::kCell);
       case LinkKind::kPrevCell:
         if (celln_ <= 1) return Fail(link, "there is no cell before the first");
         --celln_;
         return Go(StepKind::kCell);
-      case LinkKind::kTopProgram: return Go(StepKind::kProgram);
-      case LinkKind::kNextProgram: ++pgn_; return Go(StepKind::kProgram);
+      case LinkKind::kTopProgram:
+        return Go(StepKind::kProgram);
+      case LinkKind::kNextProgram:
+        ++pgn_;
+        return Go(StepKind::kProgram);
       case LinkKind::kPrevProgram:
         if (pgn_ <= 1) return Fail(link, "there is no program before the first");
         --pgn_;
         return Go(StepKind::kProgram);
-      case LinkKind::kTopChain: return Go(StepKind::kChain);
-      case LinkKind::kNextChain: return LinkToChain(link, pgc_->next, "next");
-      case LinkKind::kPrevChain: return LinkToChain(link, pgc_->previous, "previous");
-      case LinkKind::kGoUpChain: return LinkToChain(link, pgc_->go_up, "go-up");
-      case LinkKind::kTailChain: return Go(StepKind::kChainPost);
-      case LinkKind::kResume: return ResumeLink(link);
-      case LinkKind::kChain: return LinkToChain(link, link.number, "");
+      case LinkKind::kTopChain:
+        return Go(StepKind::kChain);
+      case LinkKind::kNextChain:
+        return LinkToChain(link, pgc_->next, "next");
+      case LinkKind::kPrevChain:
+        return LinkToChain(link, pgc_->previous, "previous");
+      case LinkKind::kGoUpChain:
+        return LinkToChain(link, pgc_->go_up, "go-up");
+      case LinkKind::kTailChain:
+        return Go(StepKind::kChainPost);
+      case LinkKind::kResume:
+        return ResumeLink(link);
+      case LinkKind::kChain:
+        return LinkToChain(link, link.number, "");
       case LinkKind::kPart:
         if (domain_ != Domain::kVtsTitle || !SetPart(vts_, regs_.sprm[5], link.number)) {
           return Fail(link, "the current title has no such part");
         }
         return Go(StepKind::kProgram);
-      case LinkKind::kProgram: pgn_ = link.number; return Go(StepKind::kProgram);
-      case LinkKind::kCell: celln_ = link.number; return Go(StepKind::kCell);
-      case LinkKind::kExit: return End("exit", "Exit in " + HereName());
-      default: return Jump(link);
+      case LinkKind::kProgram:
+        pgn_ = link.number;
+        return Go(StepKind::kProgram);
+      case LinkKind::kCell:
+        celln_ = link.number;
+        return Go(StepKind::kCell);
+      case LinkKind::kExit:
+        return End("exit", "Exit in " + HereName());
+      default:
+        return Jump(link);
     }
   }
 
@@ -562,8 +598,10 @@ class Machine {
       case LinkKind::kJumpVtsPart:
         if (vts_ == 0 || !SetPart(vts_, link.title, link.number)) return Fail(link, "no such part");
         return Go(StepKind::kChainProgram);
-      case LinkKind::kJumpVtsMenu: return JumpVtsMenu(link);
-      default: return SystemSpace(link);
+      case LinkKind::kJumpVtsMenu:
+        return JumpVtsMenu(link);
+      default:
+        return SystemSpace(link);
     }
   }
 
@@ -640,7 +678,7 @@ class Machine {
 }  // namespace
 
 bool IsKey(const std::string& key) {
-  static constexpr const char* kNames[] = {"up",   "down", "left", "right",
+  static constexpr const char* kNames[] = {"up",    "down", "left", "right",
                                            "enter", "skip", "menu", "title"};
   for (const char* name : kNames) {
     if (key == name) return true;

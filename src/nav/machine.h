@@ -38,7 +38,7 @@ struct CellEvent {
 struct CommandEvent {
   ChainRef chain;
   std::optional<std::string> language;
-  std::string where;  // "pre", "post", "cell", "button"
+  std::string where;         // "pre", "post", "cell", "button"
   std::uint32_t number = 0;  // its line (pre, post, cell) or the button
   std::string text;
   std::string result;

@@ -14,14 +14,22 @@ std::uint16_t LanguageCode(const std::string& language) {
 
 bool Compare(CompareOp op, std::uint16_t a, std::uint16_t b) {
   switch (op) {
-    case CompareOp::kAnd: return (a & b) != 0;
-    case CompareOp::kEq: return a == b;
-    case CompareOp::kNe: return a != b;
-    case CompareOp::kGe: return a >= b;
-    case CompareOp::kGt: return a > b;
-    case CompareOp::kLe: return a <= b;
-    case CompareOp::kLt: return a < b;
-    default: return true;
+    case CompareOp::kAnd:
+      return (a & b) != 0;
+    case CompareOp::kEq:
+      return a == b;
+    case CompareOp::kNe:
+      return a != b;
+    case CompareOp::kGe:
+      return a >= b;
+    case CompareOp::kGt:
+      return a > b;
+    case CompareOp::kLe:
+      return a <= b;
+    case CompareOp::kLt:
+      return a < b;
+    default:
+      return true;
   }
 }
 
@@ -43,22 +51,43 @@ void ApplySet(const GprmSet& s, Registers& r) {
   std::uint16_t data = r.Read(s.source);
   std::int64_t current = r.Gprm(s.target);
   switch (s.op) {
-    case SetOp::kMov: r.SetGprm(s.target, data); break;
+    case SetOp::kMov:
+      r.SetGprm(s.target, data);
+      break;
     case SetOp::kSwp:
       r.SetGprm(s.swap, static_cast<std::uint16_t>(current));
       r.SetGprm(s.target, data);
       break;
-    case SetOp::kAdd: r.SetGprm(s.target, Clamp(current + data)); break;
-    case SetOp::kSub: r.SetGprm(s.target, Clamp(current - data)); break;
-    case SetOp::kMul: r.SetGprm(s.target, Clamp(current * data)); break;
+    case SetOp::kAdd:
+      r.SetGprm(s.target, Clamp(current + data));
+      break;
+    case SetOp::kSub:
+      r.SetGprm(s.target, Clamp(current - data));
+      break;
+    case SetOp::kMul:
+      r.SetGprm(s.target, Clamp(current * data));
+      break;
     // Division by zero gives the largest value, as players do.
-    case SetOp::kDiv: r.SetGprm(s.target, data ? Clamp(current / data) : 0xFFFF); break;
-    case SetOp::kMod: r.SetGprm(s.target, data ? Clamp(current % data) : 0xFFFF); break;
-    case SetOp::kRnd: r.SetGprm(s.target, Random(r, data)); break;
-    case SetOp::kAnd: r.SetGprm(s.target, Clamp(current & data)); break;
-    case SetOp::kOr: r.SetGprm(s.target, Clamp(current | data)); break;
-    case SetOp::kXor: r.SetGprm(s.target, Clamp(current ^ data)); break;
-    default: break;
+    case SetOp::kDiv:
+      r.SetGprm(s.target, data ? Clamp(current / data) : 0xFFFF);
+      break;
+    case SetOp::kMod:
+      r.SetGprm(s.target, data ? Clamp(current % data) : 0xFFFF);
+      break;
+    case SetOp::kRnd:
+      r.SetGprm(s.target, Random(r, data));
+      break;
+    case SetOp::kAnd:
+      r.SetGprm(s.target, Clamp(current & data));
+      break;
+    case SetOp::kOr:
+      r.SetGprm(s.target, Clamp(current | data));
+      break;
+    case SetOp::kXor:
+      r.SetGprm(s.target, Clamp(current ^ data));
+      break;
+    default:
+      break;
   }
 }
 
@@ -93,19 +122,19 @@ void ApplySystemSet(const SystemSet& s, Registers& r) {
 Registers Registers::PowerOn(const std::string& language, unsigned region) {
   Registers r;
   std::uint16_t code = LanguageCode(language);
-  r.sprm[0] = code;   // menu language
-  r.sprm[1] = 15;     // audio stream: none chosen yet
-  r.sprm[2] = 62;     // sub-picture stream: none, not shown
-  r.sprm[3] = 1;      // angle
-  r.sprm[4] = 1;      // title
-  r.sprm[5] = 1;      // title in its title set
-  r.sprm[7] = 1;      // part of title
+  r.sprm[0] = code;  // menu language
+  r.sprm[1] = 15;    // audio stream: none chosen yet
+  r.sprm[2] = 62;    // sub-picture stream: none, not shown
+  r.sprm[3] = 1;     // angle
+  r.sprm[4] = 1;     // title
+  r.sprm[5] = 1;     // title in its title set
+  r.sprm[7] = 1;     // part of title
   r.Highlight(1);
   r.sprm[12] = static_cast<std::uint16_t>(('U' << 8) | 'S');  // parental country
-  r.sprm[13] = 15;                                              // parental level
-  r.sprm[14] = 0x100;                                           // video preference
-  r.sprm[16] = code;  // audio language
-  r.sprm[18] = code;  // sub-picture language
+  r.sprm[13] = 15;                                            // parental level
+  r.sprm[14] = 0x100;                                         // video preference
+  r.sprm[16] = code;                                          // audio language
+  r.sprm[18] = code;                                          // sub-picture language
   r.sprm[20] = static_cast<std::uint16_t>(region >= 1 && region <= 8 ? 1u << (region - 1) : 1u);
   return r;
 }
@@ -124,10 +153,14 @@ void Registers::SetGprm(unsigned n, std::uint16_t value) {
 
 std::uint16_t Registers::Read(const Operand& operand) const {
   switch (operand.kind) {
-    case Operand::Kind::kGprm: return Gprm(operand.value);
-    case Operand::Kind::kSprm: return Sprm(operand.value);
-    case Operand::Kind::kImmediate: return operand.value;
-    default: return 0;
+    case Operand::Kind::kGprm:
+      return Gprm(operand.value);
+    case Operand::Kind::kSprm:
+      return Sprm(operand.value);
+    case Operand::Kind::kImmediate:
+      return operand.value;
+    default:
+      return 0;
   }
 }
 
@@ -156,7 +189,8 @@ Outcome Execute(const Instruction& in, Registers& r) {
     case 0:
       if (!out.condition) break;
       if (in.special == Special::kSetTmpPml) r.sprm[13] = in.parental;
-      if (in.special == Special::kGoto || in.special == Special::kSetTmpPml) out.goto_line = in.line;
+      if (in.special == Special::kGoto || in.special == Special::kSetTmpPml)
+        out.goto_line = in.line;
       out.break_out = in.special == Special::kBreak;
       break;
     case 2:
@@ -181,7 +215,8 @@ std::string RegisterChanges(const Registers& before, const Registers& after) {
     if (before.Gprm(n) != after.Gprm(n) || before.counter[n] != after.counter[n]) {
       if (!out.empty()) out += ' ';
       out += Format("GPRM%d=%d", {n, after.Gprm(n)});
-      if (before.counter[n] != after.counter[n]) out += after.counter[n] ? "(counter)" : "(register)";
+      if (before.counter[n] != after.counter[n])
+        out += after.counter[n] ? "(counter)" : "(register)";
     }
   }
   for (unsigned n = 0; n < 24; ++n) {

@@ -19,7 +19,7 @@ struct Registers {
   // Playback time played since a counter's value was set: it counts up one per second.
   std::array<std::uint64_t, 16> counted{};
   std::array<std::uint16_t, 24> sprm{};
-  std::uint64_t timer_counted = 0;  // playback time since the navigation timer was set
+  std::uint64_t timer_counted = 0;    // playback time since the navigation timer was set
   std::uint32_t random = 0x2545F491;  // the state of rnd's generator (fixed start: repeatable)
 
   // A player's registers at power-on: menu, audio and sub-picture language (two letters),
@@ -40,8 +40,8 @@ struct Registers {
 
 // What one command did.
 struct Outcome {
-  bool condition = true;  // the comparison held (or there was none)
-  std::optional<Link> link;  // the link, jump or call it takes
+  bool condition = true;        // the comparison held (or there was none)
+  std::optional<Link> link;     // the link, jump or call it takes
   std::uint32_t goto_line = 0;  // 1-based line to go on at
   bool break_out = false;       // Break: the rest of the commands is skipped
 };

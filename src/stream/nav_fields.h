@@ -25,8 +25,8 @@ inline constexpr std::uint32_t kVobuSearchAddress = 0x3FFFFFFF;
 
 // One button of a navigation pack's highlight information.
 struct NavButton {
-  std::uint32_t number = 0;  // from 1
-  std::uint8_t color_group = 0;  // btn_coln: 1-3, 0 none
+  std::uint32_t number = 0;                      // from 1
+  std::uint8_t color_group = 0;                  // btn_coln: 1-3, 0 none
   std::uint16_t x0 = 0, x1 = 0, y0 = 0, y1 = 0;  // the rectangle, inclusive
   std::uint8_t auto_action = 0;
   std::uint8_t up = 0, down = 0, left = 0, right = 0;  // neighbour buttons, 0 none
@@ -35,7 +35,7 @@ struct NavButton {
 
 // The highlight information of a navigation pack's PCI.
 struct HighlightInfo {
-  std::uint16_t status = 0;  // hli_ss bits 1-0: 0 no highlight information
+  std::uint16_t status = 0;        // hli_ss bits 1-0: 0 no highlight information
   std::uint16_t button_modes = 0;  // btn_md
   std::uint8_t offset = 0, count = 0, selectable = 0;  // btn_ofn, btn_ns, nsl_btn_ns
   std::uint8_t forced_select = 0, forced_action = 0;   // fosl_btnn, foac_btnn

@@ -9,9 +9,13 @@
 namespace tarvex::nav {
 namespace {
 
-Registers Fresh() { return Registers::PowerOn("en", 1); }
+Registers Fresh() {
+  return Registers::PowerOn("en", 1);
+}
 
-Outcome Exec(const CommandBytes& bytes, Registers& r) { return Execute(Decode(bytes), r); }
+Outcome Exec(const CommandBytes& bytes, Registers& r) {
+  return Execute(Decode(bytes), r);
+}
 
 TEST(NavInstruction, MovImmediateSetsTheGprm) {
   // 0x71: type 3 (set), immediate, mov; b3 GPRM0; b4-b5 the value 5.

@@ -4,27 +4,34 @@
 
 namespace tarvex::nav::test {
 
-NavCommand JumpTitle(std::uint8_t title) { return {0x30, 0x02, 0, 0, 0, title, 0, 0}; }
-NavCommand JumpVmgTitleMenu() { return {0x30, 0x06, 0, 0, 0, 0x42, 0, 0}; }
+NavCommand JumpTitle(std::uint8_t title) {
+  return {0x30, 0x02, 0, 0, 0, title, 0, 0};
+}
+NavCommand JumpVmgTitleMenu() {
+  return {0x30, 0x06, 0, 0, 0, 0x42, 0, 0};
+}
 NavCommand CallVtsRootMenu(std::uint8_t resume_cell) {
   return {0x30, 0x08, 0, 0, resume_cell, 0x83, 0, 0};
 }
 NavCommand LinkChain(std::uint16_t pgc) {
-  return {0x20, 0x04, 0, 0, 0, 0, static_cast<std::uint8_t>(pgc >> 8),
-          static_cast<std::uint8_t>(pgc)};
+  return {
+      0x20, 0x04, 0, 0, 0, 0, static_cast<std::uint8_t>(pgc >> 8), static_cast<std::uint8_t>(pgc)};
 }
 NavCommand LinkSub(std::uint8_t sub, std::uint8_t button) {
   return {0x20, 0x01, 0, 0, 0, 0, static_cast<std::uint8_t>(button << 2), sub};
 }
-NavCommand Exit() { return {0x30, 0x01, 0, 0, 0, 0, 0, 0}; }
+NavCommand Exit() {
+  return {0x30, 0x01, 0, 0, 0, 0, 0, 0};
+}
 NavCommand AddImmediate(std::uint8_t gprm, std::uint16_t value) {
-  return {0x73, 0, 0, gprm, static_cast<std::uint8_t>(value >> 8),
-          static_cast<std::uint8_t>(value), 0, 0};
+  return {0x73, 0, 0, gprm, static_cast<std::uint8_t>(value >> 8), static_cast<std::uint8_t>(value),
+          0,    0};
 }
 NavCommand IfLessLinkSub(std::uint8_t gprm, std::uint16_t value, std::uint8_t sub) {
   // Link (type 1), immediate comparison "<" (7), sub-instruction link.
-  return {0x20, 0xF1, 0, gprm, static_cast<std::uint8_t>(value >> 8),
-          static_cast<std::uint8_t>(value), 0, sub};
+  return {
+      0x20, 0xF1, 0, gprm, static_cast<std::uint8_t>(value >> 8), static_cast<std::uint8_t>(value),
+      0,    sub};
 }
 
 Pgc Chain(Commands pre, std::uint32_t cells, Commands post) {
@@ -135,6 +142,8 @@ DiscBuilder& DiscBuilder::VmgMenuButtons(const std::vector<TestButton>& buttons,
   return *this;
 }
 
-Disc DiscBuilder::Build() { return std::move(disc); }
+Disc DiscBuilder::Build() {
+  return std::move(disc);
+}
 
 }  // namespace tarvex::nav::test

@@ -13,10 +13,10 @@ namespace tarvex::nav::test {
 using Commands = std::vector<NavCommand>;
 
 // Commands by their bytes, as the command set encodes them.
-NavCommand JumpTitle(std::uint8_t title);                  // JumpTT
-NavCommand JumpVmgTitleMenu();                             // JumpSS VMGM title menu
-NavCommand CallVtsRootMenu(std::uint8_t resume_cell);      // CallSS VTSM root menu
-NavCommand LinkChain(std::uint16_t pgc);                   // LinkPGCN
+NavCommand JumpTitle(std::uint8_t title);                       // JumpTT
+NavCommand JumpVmgTitleMenu();                                  // JumpSS VMGM title menu
+NavCommand CallVtsRootMenu(std::uint8_t resume_cell);           // CallSS VTSM root menu
+NavCommand LinkChain(std::uint16_t pgc);                        // LinkPGCN
 NavCommand LinkSub(std::uint8_t sub, std::uint8_t button = 0);  // link by sub-instruction
 NavCommand Exit();
 NavCommand AddImmediate(std::uint8_t gprm, std::uint16_t value);  // add GPRMn, value
