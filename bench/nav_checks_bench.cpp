@@ -46,10 +46,10 @@ int main(int argc, char** argv) {
     return 1;
   }
   tarvex::VerifyOptions ifo_only{.ifo_only = true};
-  tarvex::VerifyOptions with_nav{.ifo_only = true, .more_checks = [](const tarvex::Disc& d,
-                                                                     tarvex::Findings& out) {
-    tarvex::nav::AddNavigationFindings(d, tarvex::nav::Analyze(d), out);
-  }};
+  tarvex::VerifyOptions with_nav{
+      .ifo_only = true, .more_checks = [](const tarvex::Disc& d, tarvex::Findings& out) {
+        tarvex::nav::AddNavigationFindings(d, tarvex::nav::Analyze(d), out);
+      }};
   std::vector<double> plain, nav;
   for (int i = 0; i < runs; ++i) {
     plain.push_back(TimeMs(argv[1], ifo_only));

@@ -8,28 +8,11 @@
 
 #include "disc/info.h"
 #include "disc/verify.h"
-
-namespace {
-
-std::vector<std::uint8_t> Take(const std::uint8_t*& data, std::size_t& size) {
-  std::size_t n = 0;
-  if (size >= 2) {
-    n = (std::size_t{data[0]} << 8) | data[1];
-    data += 2;
-    size -= 2;
-  }
-  n = n < size ? n : size;
-  std::vector<std::uint8_t> part(data, data + n);
-  data += n;
-  size -= n;
-  return part;
-}
-
-}  // namespace
+#include "fuzz_input.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  std::vector<std::uint8_t> vmg = Take(data, size);
-  std::vector<std::uint8_t> vts = Take(data, size);
+  std::vector<std::uint8_t> vmg = tarvex::fuzz::Take(data, size);
+  std::vector<std::uint8_t> vts = tarvex::fuzz::Take(data, size);
   std::vector<std::uint8_t> vob(data, data + size);
   std::vector<std::pair<std::string, std::vector<std::uint8_t>>> files;
   files.emplace_back("VIDEO_TS.IFO", vmg);

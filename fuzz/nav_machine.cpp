@@ -8,25 +8,12 @@
 #include <vector>
 
 #include "disc/model.h"
+#include "fuzz_input.h"
 #include "nav/analysis.h"
 #include "nav/machine.h"
 #include "nav/play_output.h"
 
 namespace {
-
-std::vector<std::uint8_t> Take(const std::uint8_t*& data, std::size_t& size) {
-  std::size_t n = 0;
-  if (size >= 2) {
-    n = (std::size_t{data[0]} << 8) | data[1];
-    data += 2;
-    size -= 2;
-  }
-  n = n < size ? n : size;
-  std::vector<std::uint8_t> part(data, data + n);
-  data += n;
-  size -= n;
-  return part;
-}
 
 std::vector<std::string> Keys(const std::uint8_t* data, std::size_t size) {
   static const char* const kKeys[] = {"up",   "down",  "left", "right", "enter", "skip",
@@ -39,9 +26,9 @@ std::vector<std::string> Keys(const std::uint8_t* data, std::size_t size) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  std::vector<std::uint8_t> vmg = Take(data, size);
-  std::vector<std::uint8_t> vts = Take(data, size);
-  std::vector<std::uint8_t> menu_vob = Take(data, size);
+  std::vector<std::uint8_t> vmg = tarvex::fuzz::Take(data, size);
+  std::vector<std::uint8_t> vts = tarvex::fuzz::Take(data, size);
+  std::vector<std::uint8_t> menu_vob = tarvex::fuzz::Take(data, size);
   std::vector<std::pair<std::string, std::vector<std::uint8_t>>> files;
   files.emplace_back("VIDEO_TS.IFO", std::move(vmg));
   files.emplace_back("VIDEO_TS.VOB", std::move(menu_vob));

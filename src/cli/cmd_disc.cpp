@@ -4,6 +4,7 @@
 #include <string>
 
 #include "cli/cli.h"
+#include "cli/disc_command.h"
 #include "disc/info.h"
 #include "disc/verify.h"
 #include "nav/analysis.h"
@@ -12,19 +13,6 @@
 namespace tarvex::cli {
 
 namespace {
-
-constexpr const char* kDiscHelp =
-    "A folder named VIDEO_TS, the folder that holds one, or an ISO image (read directly, "
-    "nothing is mounted)";
-
-void Print(const std::string& text) {
-  std::fwrite(text.data(), 1, text.size(), stdout);
-  std::fflush(stdout);
-}
-
-void PrintError(const std::string& command, const std::string& disc, const std::string& error) {
-  std::fprintf(stderr, "tarvex-cli %s: %s: %s\n", command.c_str(), disc.c_str(), error.c_str());
-}
 
 void AddInfo(CLI::App& app, Session& session) {
   struct Options {
@@ -61,18 +49,13 @@ void AddInfo(CLI::App& app, Session& session) {
   cmd->add_flag("--json", o->json, "Print JSON instead of text");
   cmd->callback([&session, o] {
     session.action = [&session, o] {
-      std::string error;
-      std::optional<Disc> disc = LoadDisc(o->disc, error);
-      if (!disc) {
-        PrintError("info", o->disc, error);
-        session.exit_status = 1;
-        return;
-      }
+      std::optional<Disc> disc = LoadDiscForCommand("info", o->disc, session);
+      if (!disc) return;
       // Without a video manager there is no first play to start from.
       std::optional<TitleNavigation> navigation;
       if (disc->vmg.ifo_found) navigation = nav::NavigateTitles(*disc);
       const TitleNavigation* known = navigation ? &*navigation : nullptr;
-      Print(o->json ? DiscInfoJson(*disc, known) : DiscInfoText(*disc, known));
+      PrintOut(o->json ? DiscInfoJson(*disc, known) : DiscInfoText(*disc, known));
       session.exit_status = 0;
     };
   });
@@ -121,7 +104,7 @@ void AddVerify(CLI::App& app, Session& session) {
   cmd->callback([&session, o] {
     session.action = [&session, o] {
       if (o->list_checks) {
-        Print(o->json ? ListChecksJson() : ListChecksText());
+        PrintOut(o->json ? ListChecksJson() : ListChecksText());
         session.exit_status = 0;
         return;
       }
@@ -130,19 +113,14 @@ void AddVerify(CLI::App& app, Session& session) {
         session.usage_error = true;
         return;
       }
-      std::string error;
-      std::optional<Disc> disc = LoadDisc(o->disc, error);
-      if (!disc) {
-        PrintError("verify", o->disc, error);
-        session.exit_status = 1;
-        return;
-      }
+      std::optional<Disc> disc = LoadDiscForCommand("verify", o->disc, session);
+      if (!disc) return;
       VerifyOptions options{.ifo_only = o->ifo_only,
                             .more_checks = [](const Disc& d, Findings& out) {
                               nav::AddNavigationFindings(d, nav::Analyze(d), out);
                             }};
       VerifyResult result = VerifyDisc(*disc, options);
-      Print(o->json ? VerifyJson(o->disc, result) : VerifyText(result));
+      PrintOut(o->json ? VerifyJson(o->disc, result) : VerifyText(result));
       std::fprintf(stderr, "%s: %s, %s, %s%s\n", o->disc.c_str(),
                    Counted(result.errors, "error").c_str(),
                    Counted(result.warnings, "warning").c_str(),

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "cli/cli.h"
+#include "cli/disc_command.h"
 #include "nav/analysis.h"
 #include "nav/graph_dot.h"
 #include "nav/graph_svg.h"
@@ -13,25 +14,6 @@
 namespace tarvex::cli {
 
 namespace {
-
-constexpr const char* kDiscHelp =
-    "A folder named VIDEO_TS, the folder that holds one, or an ISO image (read directly, "
-    "nothing is mounted)";
-
-void Print(const std::string& text) {
-  std::fwrite(text.data(), 1, text.size(), stdout);
-  std::fflush(stdout);
-}
-
-std::optional<Disc> Load(const char* command, const std::string& path, Session& session) {
-  std::string error;
-  std::optional<Disc> disc = LoadDisc(path, error);
-  if (!disc) {
-    std::fprintf(stderr, "tarvex-cli %s: %s: %s\n", command, path.c_str(), error.c_str());
-    session.exit_status = 1;
-  }
-  return disc;
-}
 
 // KEYS as a comma list; false (with a message) when a key is not one play knows.
 bool SplitKeys(const std::string& text, std::vector<std::string>& keys) {
@@ -119,10 +101,10 @@ void AddPlay(CLI::App& app, Session& session) {
         session.usage_error = true;
         return;
       }
-      std::optional<Disc> disc = Load("play", o->disc, session);
+      std::optional<Disc> disc = LoadDiscForCommand("play", o->disc, session);
       if (!disc) return;
       nav::PlayResult result = nav::Play(*disc, options);
-      Print(o->json ? nav::PlayJson(*disc, result) : nav::PlayText(result, o->registers));
+      PrintOut(o->json ? nav::PlayJson(*disc, result) : nav::PlayText(result, o->registers));
       session.exit_status = 0;
     };
   });
@@ -148,11 +130,11 @@ void AddGraph(CLI::App& app, Session& session) {
   cmd->add_option("--svg", o->svg, "Also draw the graph as SVG into FILE")->type_name("FILE");
   cmd->callback([&session, o] {
     session.action = [&session, o] {
-      std::optional<Disc> disc = Load("graph", o->disc, session);
+      std::optional<Disc> disc = LoadDiscForCommand("graph", o->disc, session);
       if (!disc) return;
       nav::NavAnalysis analysis = nav::Analyze(*disc);
       std::string dot = nav::GraphToDot(nav::BuildGraph(*disc, analysis), o->disc);
-      Print(dot);
+      PrintOut(dot);
       session.exit_status = 0;
       if (o->svg.empty()) return;
       std::string error;
