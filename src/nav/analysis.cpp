@@ -234,7 +234,8 @@ class Analyzer {
     for (const FoundLink& f : walk.links) {
       // A link to a cell or program of the chain plays a cell: it cannot hang.
       bool to_chain = ToChain(f.link);
-      std::string label = button ? Format("button %d", {button}) : Format("%s %d", {where, f.line});
+      // A button edge is labelled with its button by the graph itself.
+      std::string label = button ? std::string() : Format("%s %d", {where, f.line});
       for (std::size_t to : Targets(a_.chains[from], pgc, f.link)) {
         a_.edges[from].push_back(
             {to, f.conditional || after_comparison, button, hangs && to_chain, label});

@@ -241,12 +241,13 @@ class Machine {
 
   // --- Commands --------------------------------------------------------------------------
 
-  static std::string ResultText(const Outcome& out) {
+  // What a command did: where it linked or went on, else the registers it set.
+  static std::string ResultText(const Outcome& out, const std::string& changes) {
     if (out.link) return "link: " + LinkText(*out.link);
-    if (!out.condition) return "condition false";
     if (out.goto_line) return Format("goto line %d", {out.goto_line});
     if (out.break_out) return "break";
-    return "done";
+    if (!changes.empty()) return "set " + changes;
+    return out.condition ? "done" : "condition false";
   }
 
   // Runs one command; nothing when the run ended (an unknown command or too many commands).
@@ -259,9 +260,10 @@ class Machine {
     Instruction in = Decode(bytes);
     Registers before = regs_;
     Outcome out = Execute(in, regs_);
-    CommandEvent event{
-        Here(),          UnitLanguage(disc_, Here()),   where, number, InstructionText(in),
-        ResultText(out), RegisterChanges(before, regs_)};
+    std::string changes = RegisterChanges(before, regs_);
+    CommandEvent event{Here(), UnitLanguage(disc_, Here()), where,
+                       number, InstructionText(in),         ResultText(out, changes),
+                       changes};
     result_.trace.push_back(
         {TraceLine::Kind::kCommand,
          Format("  %s %d: ", {where, number}) + event.text + "  -> " + event.result,
