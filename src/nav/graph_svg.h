@@ -1,4 +1,8 @@
 // The navigation graph drawn as SVG by Graphviz's own library (libgvc), in this process.
+// tarvex-cli draws one graph a run. Graphviz 2.42's text layout plugin (pango) keeps a font
+// cache across contexts that a freed context leaves dangling: AddressSanitizer reports a use
+// after free when one process lays out labels in a second context, so the sanitized tests run
+// each test in its own process (CTest), as CI does.
 #pragma once
 
 #include <string>
