@@ -1,0 +1,66 @@
+#include "picture/vob_reader.h"
+
+#include <algorithm>
+
+#include "picture/packets.h"
+
+namespace tarvex::picture {
+
+namespace {
+
+constexpr std::uint64_t kBlockSectors = 512;  // 1 MiB a read
+
+}  // namespace
+
+DiscFile* VobReader::Open(const std::string& name) {
+  std::unique_ptr<DiscFile>& file = files_[name];
+  if (!file && disc_.access) file = disc_.access->Open(name);
+  return file.get();
+}
+
+bool VobReader::ForEach(std::uint32_t first, std::uint32_t last,
+                        const std::function<void(std::uint32_t, ByteView)>& visit,
+                        std::string& error) {
+  std::uint64_t sector = first;
+  while (sector <= last) {
+    auto where = vobs_.Locate(sector);
+    DiscFile* file = where ? Open(where->first) : nullptr;
+    if (!file) {
+      error = "sector " + std::to_string(sector) + " of the VOB set lies in no readable file";
+      return false;
+    }
+    const VobSet::Part* part = nullptr;
+    for (const VobSet::Part& p : vobs_.parts) {
+      if (p.name == where->first) part = &p;
+    }
+    std::uint64_t in_file = part ? part->size / kSectorSize - where->second : 1;
+    std::uint64_t count = std::min({kBlockSectors, in_file, std::uint64_t{last} - sector + 1});
+    block_.resize(count * kSectorSize);
+    std::size_t got = file->ReadAt(where->second * kSectorSize, block_);
+    for (std::uint64_t i = 0; i < got / kSectorSize; ++i) {
+      visit(static_cast<std::uint32_t>(sector + i),
+            ByteView(block_.data() + i * kSectorSize, kSectorSize));
+    }
+    if (got < count * kSectorSize) {
+      error = where->first + ": cannot read sector " +
+              std::to_string(where->second + got / kSectorSize);
+      return false;
+    }
+    sector += count;
+  }
+  return true;
+}
+
+bool VobReader::Read(std::uint32_t sector, std::vector<std::uint8_t>& record, std::string& error) {
+  bool read = false;
+  bool ok = ForEach(
+      sector, sector,
+      [&](std::uint32_t, ByteView r) {
+        record.assign(r.data(), r.data() + r.size());
+        read = true;
+      },
+      error);
+  return ok && read;
+}
+
+}  // namespace tarvex::picture
