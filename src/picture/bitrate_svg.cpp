@@ -59,11 +59,20 @@ std::string Axes(const Frame& f) {
     out += Line(kLeft - 4, f.Y(m), kLeft, f.Y(m), "stroke=\"black\"") +
            Text(kLeft - 8, f.Y(m) + 4, Num(m), "end");
   }
-  double step = f.minutes <= 2 ? 0.25 : f.minutes <= 10 ? 1 : f.minutes <= 60 ? 5 : 15;
-  for (double t = 0; t <= f.minutes + 1e-9; t += step) {
-    double x = kLeft + (kWidth - kLeft - kRight) * t / f.minutes;
+  // Between 3 and 10 ticks on the time axis.
+  double step = 30;
+  for (double candidate : {0.02, 0.05, 0.1, 0.25, 0.5, 1.0, 2.0, 5.0, 10.0, 15.0, 30.0}) {
+    if (f.minutes / candidate <= 10) {
+      step = candidate;
+      break;
+    }
+  }
+  for (int i = 0; i * step <= f.minutes + 1e-9; ++i) {
+    double t = i * step, x = kLeft + (kWidth - kLeft - kRight) * t / f.minutes;
+    char label[16];
+    std::snprintf(label, sizeof label, step < 0.1 ? "%.2f" : step < 1 ? "%.1f" : "%.0f", t);
     out +=
-        Line(x, f.Y(0), x, f.Y(0) + 4, "stroke=\"black\"") + Text(x, f.Y(0) + 18, Num(t), "middle");
+        Line(x, f.Y(0), x, f.Y(0) + 4, "stroke=\"black\"") + Text(x, f.Y(0) + 18, label, "middle");
   }
   out += Text((kLeft + kWidth - kRight) / 2, kHeight - 15, "title time (minutes)", "middle");
   out += "<text x=\"18\" y=\"" + Num((kTop + f.Y(0)) / 2) +
