@@ -24,26 +24,40 @@ std::string Hex(std::uint8_t id) {
 
 }  // namespace
 
+void BitrateInterval::Add(std::uint16_t key, std::uint64_t n) {
+  for (auto& [k, bytes] : counts) {
+    if (k == key) {
+      bytes += n;
+      return;
+    }
+  }
+  counts.emplace_back(key, n);
+}
+
+std::map<std::string, std::uint64_t> BitrateInterval::bytes() const {
+  std::map<std::string, std::uint64_t> named;
+  for (const auto& [key, n] : counts) named[PackKeyName(key)] += n;
+  return named;
+}
+
 std::uint64_t BitrateInterval::total() const {
   std::uint64_t sum = 0;
-  for (const auto& [key, n] : bytes) sum += n;
+  for (const auto& [key, n] : counts) sum += n;
   return sum;
 }
 
 std::uint64_t BitrateInterval::video() const {
-  auto it = bytes.find("video");
-  return it == bytes.end() ? 0 : it->second;
+  for (const auto& [key, n] : counts) {
+    if (key == kVideoKey) return n;
+  }
+  return 0;
 }
 
-std::string PackKey(ByteView record) {
-  std::vector<PesPacket> packets = PackPackets(record);
-  if (packets.empty()) return "padding";
-  const PesPacket& p = packets.front();
-  if (p.stream_id >= 0xE0 && p.stream_id <= 0xEF) return "video";
-  if (p.stream_id == kPrivateStream2) return "nav";
-  if (p.stream_id == kPaddingStream) return "padding";
-  if (p.stream_id == kPrivateStream1) return Hex(p.substream);
-  return Hex(p.stream_id);
+std::string PackKeyName(std::uint16_t key) {
+  if (key == kVideoKey) return "video";
+  if (key == kPrivateStream2) return "nav";
+  if (key == kPaddingStream) return "padding";
+  return Hex(static_cast<std::uint8_t>(key));
 }
 
 std::uint64_t IntervalOf(std::int64_t scr_since_cell, std::uint64_t start_ticks,
@@ -73,7 +87,7 @@ std::optional<BitrateReport> MeasureBitrate(const Disc& disc, std::uint32_t titl
           if (!first) first = scr;
           std::uint64_t k = IntervalOf(ClockDifference(scr, *first), pc.start_ticks, step);
           if (k >= report.intervals.size()) report.intervals.resize(k + 1);
-          report.intervals[k].bytes[PackKey(record)] += kSectorSize;
+          report.intervals[k].Add(FirstPacketKey(record), kSectorSize);
         },
         error);
     if (!read) return std::nullopt;
@@ -101,7 +115,7 @@ std::string BitrateJson(const BitrateReport& r) {
   for (std::size_t k = 0; k < r.intervals.size(); ++k) {
     const BitrateInterval& i = r.intervals[k];
     j.BeginObject().Key("start").Decimal(Start(r, k), 3).Key("bytes").BeginObject();
-    for (const auto& [key, n] : i.bytes) j.MemberUint(key, n);
+    for (const auto& [key, n] : i.bytes()) j.MemberUint(key, n);
     j.EndObject().Key("mux_mbps").Decimal(Mbps(i.total(), r.interval), 3);
     j.Key("video_mbps").Decimal(Mbps(i.video(), r.interval), 3).EndObject();
   }

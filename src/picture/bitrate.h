@@ -16,7 +16,11 @@ inline constexpr double kMuxLimitMbps = 10.08;
 inline constexpr double kVideoLimitMbps = 9.8;
 
 struct BitrateInterval {
-  std::map<std::string, std::uint64_t> bytes;  // "video", "0x80", "nav", "padding", ...
+  // Bytes per pack key (picture/packets.h FirstPacketKey), in the order first met.
+  std::vector<std::pair<std::uint16_t, std::uint64_t>> counts;
+  void Add(std::uint16_t key, std::uint64_t bytes);
+  // By name: "video", "0x80", "nav", "padding", ...
+  std::map<std::string, std::uint64_t> bytes() const;
   std::uint64_t total() const;
   std::uint64_t video() const;
 };
@@ -30,9 +34,9 @@ struct BitrateReport {
   std::uint64_t total_ticks = 0;
 };
 
-// The key a pack counts under: its first PES packet's stream ("video", "0x80" for a private
-// stream 1 sub-stream, "0xc0"...), "nav" or "padding".
-std::string PackKey(ByteView record);
+// The name a pack key counts under: "video", the stream id ("0x80" for a private stream 1
+// sub-stream, "0xc0"...), "nav" or "padding".
+std::string PackKeyName(std::uint16_t key);
 
 // The interval a pack lies in: floor(t / S) of its title time t = (SCR - the SCR of its cell's
 // first pack) / 27 MHz + start_ticks / 90 kHz, compared exactly in 27 MHz units (0 for a pack

@@ -45,6 +45,17 @@ std::vector<PesPacket> PackPackets(ByteView record) {
   return packets;
 }
 
+std::uint16_t FirstPacketKey(ByteView record) {
+  std::size_t at = kPackHeader + (record.u8(13) & 7);
+  if (record.be24(at) == 1 && record.u8(at + 3) == kSystemHeader) at += 6 + record.be16(at + 4);
+  if (!record.contains(at, 6) || record.be24(at) != 1) return kPaddingStream;
+  std::uint8_t id = record.u8(at + 3);
+  if (id >= 0xE0 && id <= 0xEF) return kVideoKey;
+  if (id == kPrivateStream1)
+    return static_cast<std::uint16_t>(kSubstreamKey | record.u8(at + 9 + record.u8(at + 8)));
+  return id;
+}
+
 PackClock PackScr(ByteView record) {
   return {ScrBase(record.sub(4)), ScrExtension(record.sub(4))};
 }

@@ -26,6 +26,14 @@ struct PesPacket {
 // ones whose start codes lie in the pack).
 std::vector<PesPacket> PackPackets(ByteView record);
 
+// The stream of a pack's first PES packet (behind its system header), as one number: the
+// stream id, 0xE0 for every video stream, 0x100 + the sub-stream id for private stream 1, and
+// padding (0xBE) for a pack without a packet. Read without building the packet list, for the
+// commands that look at every pack.
+inline constexpr std::uint16_t kVideoKey = 0xE0;
+inline constexpr std::uint16_t kSubstreamKey = 0x100;
+std::uint16_t FirstPacketKey(ByteView record);
+
 // The pack's system clock reference in 27 MHz units, of the low 32 bits of its base (enough
 // for differences within a cell, taken modulo 2^32 of the base).
 struct PackClock {
