@@ -215,23 +215,37 @@ SpuHighlight HighlightCodes(std::uint32_t entry) {
   return h;
 }
 
+namespace {
+
+// The four pixel values in colour under one set of codes.
+std::array<std::array<std::uint8_t, 4>, 4> Colours(const Codes& codes,
+                                                   const std::array<Rgb, 16>& palette) {
+  std::array<std::array<std::uint8_t, 4>, 4> out{};
+  for (std::size_t v = 0; v < 4; ++v) {
+    Rgb rgb = palette[(*codes.colors)[v]];
+    out[v] = {rgb.r, rgb.g, rgb.b, static_cast<std::uint8_t>(17 * (*codes.contrast)[v])};
+  }
+  return out;
+}
+
+}  // namespace
+
 RgbaImage RenderSpu(ByteView unit, const SpuControl& control, const std::array<Rgb, 16>& palette,
                     const SpuHighlight* highlight) {
   RgbaImage image{control.width(), control.height(), {}};
   std::vector<std::uint8_t> pixels = DecodeSpuPixels(unit, control);
   image.rgba.resize(pixels.size() * 4);
-  for (std::size_t i = 0; i < pixels.size(); ++i) {
-    std::uint32_t x = static_cast<std::uint32_t>(i % image.width);
-    std::uint32_t y = static_cast<std::uint32_t>(i / image.width);
-    Codes codes = control.changes.empty() && !highlight
-                      ? Codes{&control.colors, &control.contrast}
-                      : CodesAt(control, highlight, control.y0 + y, control.x0 + x);
-    Rgb rgb = palette[(*codes.colors)[pixels[i]]];
-    std::uint8_t* out = image.rgba.data() + i * 4;
-    out[0] = rgb.r;
-    out[1] = rgb.g;
-    out[2] = rgb.b;
-    out[3] = static_cast<std::uint8_t>(17 * (*codes.contrast)[pixels[i]]);
+  bool uniform = control.changes.empty() && !highlight;
+  auto plain = Colours({&control.colors, &control.contrast}, palette);
+  std::uint8_t* out = image.rgba.data();
+  const std::uint8_t* in = pixels.data();
+  for (std::uint32_t y = 0; y < image.height; ++y) {
+    for (std::uint32_t x = 0; x < image.width; ++x, ++in, out += 4) {
+      const auto& c = uniform ? plain[*in]
+                              : Colours(CodesAt(control, highlight, control.y0 + y, control.x0 + x),
+                                        palette)[*in];
+      std::copy(c.begin(), c.end(), out);
+    }
   }
   return image;
 }

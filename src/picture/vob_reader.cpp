@@ -8,7 +8,8 @@ namespace tarvex::picture {
 
 namespace {
 
-constexpr std::uint64_t kBlockSectors = 512;  // 1 MiB a read
+// 128 KiB a read: the block stays in the processor's cache while its packs are looked at.
+constexpr std::uint64_t kBlockSectors = 64;
 
 }  // namespace
 
@@ -35,11 +36,15 @@ bool VobReader::ForEach(std::uint32_t first, std::uint32_t last,
     }
     std::uint64_t in_file = part ? part->size / kSectorSize - where->second : 1;
     std::uint64_t count = std::min({kBlockSectors, in_file, std::uint64_t{last} - sector + 1});
-    block_.resize(count * kSectorSize);
-    std::size_t got = file->ReadAt(where->second * kSectorSize, block_);
+    if (!block_) {
+      block_.reset(static_cast<std::uint8_t*>(
+          ::operator new[](kBlockSectors* kSectorSize, std::align_val_t{4096})));
+    }
+    std::size_t got = file->ReadAt(where->second * kSectorSize,
+                                   std::span<std::uint8_t>(block_.get(), count * kSectorSize));
     for (std::uint64_t i = 0; i < got / kSectorSize; ++i) {
       visit(static_cast<std::uint32_t>(sector + i),
-            ByteView(block_.data() + i * kSectorSize, kSectorSize));
+            ByteView(block_.get() + i * kSectorSize, kSectorSize));
     }
     if (got < count * kSectorSize) {
       error = where->first + ": cannot read sector " +
