@@ -179,6 +179,37 @@ TEST(MenusCli, ButtonsAndTheirColoursAgainstTheNavigationPackAndFfmpeg) {
   }
 }
 
+TEST(MenusCli, ASixteenByNineMenuShowsItsWideButtonsAndSubPicture) {
+  if (!HaveAuthoringTools()) GTEST_SKIP() << "ffmpeg, spumux or dvdauthor missing";
+  const std::string& disc = WideMenuDisc();
+  ASSERT_FALSE(disc.empty());
+  TempDir dir;
+  CliRun run = RunCli({"menus", disc, "--json", "--png", dir.file("m")});
+  ASSERT_EQ(run.status, 0) << run.err;
+  nlohmann::json menus = ParseJson(run.out);
+  ASSERT_EQ(menus.size(), 1u) << run.out;
+  ASSERT_EQ(menus[0]["buttons"].size(), 1u) << run.out;
+  // The wide form's button, as the spumux XML of stream 0 places it, not the letterbox one's.
+  const nlohmann::json& b = menus[0]["buttons"][0];
+  EXPECT_EQ(b["x0"], 100);
+  EXPECT_EQ(b["y0"], 100);
+  EXPECT_EQ(b["x1"], 300);
+  EXPECT_EQ(b["y1"], 160);
+  // The wide stream's grey box is drawn, the letterbox stream's is not: the picture at the
+  // letterbox box is the frame as ffmpeg decodes it.
+  std::string stem = menus[0]["file"].get<std::string>();
+  Png plain{ReadPng(dir.file("m/" + stem))};
+  ASSERT_EQ(plain.image.width, 720u);
+  for (int i = 0; i < 3; ++i) EXPECT_NEAR(plain.at(200, 130)[i], 200, 12) << i;
+  std::string raw = dir.file("frame.rgb");
+  CaptureCommand("ffmpeg -v error -y -i " + ShellQuote(disc + "/VIDEO_TS/VIDEO_TS.VOB") +
+                 " -map 0:v:0 -frames:v 1 -f rawvideo -pix_fmt rgb24 " + ShellQuote(raw));
+  std::vector<std::uint8_t> frame = ReadFileBytes(raw);
+  ASSERT_EQ(frame.size(), 720u * 576 * 3);
+  for (int i = 0; i < 3; ++i)
+    EXPECT_NEAR(plain.at(200, 320)[i], frame[(320 * 720 + 200) * 3 + i], 12) << i;
+}
+
 }  // namespace
 }  // namespace tarvex::test
 

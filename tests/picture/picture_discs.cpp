@@ -19,14 +19,15 @@ std::string Run(const TempDir& dir, const std::string& command) {
   return CaptureCommand("cd " + ShellQuote(dir.path()) + " && { " + command + "; } 2>&1");
 }
 
-void Spumux(const TempDir& dir, int stream, const std::string& spus) {
+void Spumux(const TempDir& dir, int stream, const std::string& spus,
+            const std::string& clip = "clip.mpg") {
   std::string xml = "<subpictures><stream>" + spus + "</stream></subpictures>\n";
   std::string name = "s" + std::to_string(stream) + ".xml";
   WriteFileBytes(dir.file(name), std::vector<std::uint8_t>(xml.begin(), xml.end()));
   std::string out =
-      Run(dir, "spumux -s " + std::to_string(stream) + " " + name + " <clip.mpg >clip2.mpg");
-  ASSERT_GT(std::filesystem::file_size(dir.file("clip2.mpg")), 0u) << out;
-  std::filesystem::rename(dir.file("clip2.mpg"), dir.file("clip.mpg"));
+      Run(dir, "spumux -s " + std::to_string(stream) + " " + name + " <" + clip + " >spumux.mpg");
+  ASSERT_GT(std::filesystem::file_size(dir.file("spumux.mpg")), 0u) << out;
+  std::filesystem::rename(dir.file("spumux.mpg"), dir.file(clip));
 }
 
 std::string Author(const TempDir& dir) {
@@ -110,7 +111,38 @@ std::string AuthorMenu(const TempDir& dir) {
 )");
 }
 
+std::string AuthorWideMenu(const TempDir& dir) {
+  MakeClip(dir, {.file = "menu.mpg", .wide = true, .seconds = 1});
+  MakeClip(dir, {.file = "clip.mpg", .seconds = 1});
+  WriteBoxesPng(dir.file("w.png"), 720, 576, {{100, 100, 200, 60, 200, 200, 200, 255}});
+  WriteBoxesPng(dir.file("wh.png"), 720, 576, {{100, 100, 200, 60, 255, 255, 0, 255}});
+  WriteBoxesPng(dir.file("l.png"), 720, 576, {{100, 300, 200, 40, 200, 200, 200, 255}});
+  WriteBoxesPng(dir.file("lh.png"), 720, 576, {{100, 300, 200, 40, 255, 0, 0, 255}});
+  auto stream = [](const char* image, const char* lit, const char* box) {
+    return std::string("<spu start=\"00:00:00.00\" force=\"yes\" image=\"") + image +
+           "\" highlight=\"" + lit + "\" select=\"" + lit + "\"><button name=\"b1\" " + box +
+           "/></spu>";
+  };
+  Spumux(dir, 0, stream("w.png", "wh.png", "x0=\"100\" y0=\"100\" x1=\"300\" y1=\"160\""),
+         "menu.mpg");
+  Spumux(dir, 1, stream("l.png", "lh.png", "x0=\"100\" y0=\"300\" x1=\"300\" y1=\"340\""),
+         "menu.mpg");
+  return AuthorDisc(dir, R"(<dvdauthor dest="out"><vmgm><fpc>jump vmgm menu 1;</fpc><menus>
+  <video format="pal" aspect="16:9" widescreen="nopanscan"/>
+  <subpicture><stream mode="widescreen" id="0"/><stream mode="letterbox" id="1"/></subpicture>
+  <pgc entry="title"><vob file="menu.mpg" pause="inf"/><button name="b1">jump title 1;</button></pgc>
+</menus></vmgm>
+<titleset><titles><video format="pal"/><pgc><vob file="clip.mpg"/></pgc></titles></titleset></dvdauthor>
+)");
+}
+
 }  // namespace
+
+const std::string& WideMenuDisc() {
+  static TempDir dir;
+  static const std::string disc = AuthorWideMenu(dir);
+  return disc;
+}
 
 const std::string& MenuPictureDisc() {
   static TempDir dir;

@@ -23,6 +23,12 @@ const std::string& WidePictureDisc();
 // frame round a half transparent red inside. Title 1 is a clip of 1 s.
 const std::string& MenuPictureDisc();
 
+// PAL 16:9 (no pan-scan): the video manager's title menu has one button b1 ("jump title 1") in
+// two forms: sub-picture stream 0x20 for the wide screen (a grey box 200 x 60 at 100,100, button
+// 100,100-300,160, highlighted yellow) and 0x21 for letterbox (a grey box 200 x 40 at 100,300,
+// button 100,300-300,340, highlighted red).
+const std::string& WideMenuDisc();
+
 // The RGB colours of PictureDisc's palette file, in order.
 extern const char* const kPictureDiscPalette[16];
 
