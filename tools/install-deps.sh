@@ -2,7 +2,7 @@
 # Installs the Debian 12 packages a job needs, when any of them is missing.
 # Usage: tools/install-deps.sh GROUP...
 #   (groups: build, test, gui, bench, sample, package, screenshot, ci)
-#   build   compiler, CMake, Ninja, CLI11, libudfread, Graphviz (tarvex-cli)
+#   build   compiler, CMake, Ninja, CLI11, libudfread, Graphviz, libpng, libavcodec (tarvex-cli)
 #   test    build + GoogleTest and every tool and library the tests use, so that no test
 #           is skipped: ffmpeg (with ffprobe) and lsdvd for the interoperability tests,
 #           dvdauthor and genisoimage for test discs and ISO images, libdvdnav-dev for the
@@ -10,7 +10,7 @@
 #           tool, and
 #           groff, desktop-file-utils, zsh and fish for the manual page, desktop entry and
 #           completion checks (tools/test.sh), graphviz (the dot tool) to read the navigation
-#           graph back
+#           graph back, mkvtoolnix (mkvmerge muxes the VobSub files of subpictures)
 #   sample  ffmpeg, dvdauthor, lsdvd, python3             (tools/make-sample-disc.sh)
 #   gui     Qt 6 Widgets                                  (the desktop tool)
 #   bench   Google Benchmark, time, genisoimage, python3, ffmpeg and dvdauthor  (bench/)
@@ -21,10 +21,11 @@
 # Runs apt-get through sudo unless already root. Does nothing when all is present.
 set -euo pipefail
 
-build_packages=(cmake ninja-build g++ libcli11-dev pkg-config libudfread-dev libgraphviz-dev)
+build_packages=(cmake ninja-build g++ libcli11-dev pkg-config libudfread-dev libgraphviz-dev
+                libpng-dev libavcodec-dev)
 test_packages=("${build_packages[@]}" libgtest-dev libgmock-dev
                ffmpeg lsdvd dvdauthor genisoimage libdvdnav-dev nlohmann-json3-dev python3
-               groff-base desktop-file-utils zsh fish graphviz)
+               groff-base desktop-file-utils zsh fish graphviz mkvtoolnix)
 sample_packages=(ffmpeg dvdauthor lsdvd python3)
 gui_packages=(qt6-base-dev)
 bench_packages=(libbenchmark-dev time genisoimage python3 ffmpeg dvdauthor)

@@ -49,7 +49,7 @@ _tarvex_cli_argument_kinds() { # command position
     ifo:1 | disasm:1) echo "ifo" ;;
     disasm:2 | asm:1) echo "ini" ;;
     asm:2) echo "ifo" ;;
-    info:1 | verify:1 | play:1 | graph:1) echo "disc" ;;
+    info:1 | verify:1 | play:1 | graph:1 | subpictures:1 | menus:1 | bitrate:1) echo "disc" ;;
     *) echo "" ;;
   esac
 }
@@ -57,7 +57,8 @@ _tarvex_cli_argument_kinds() { # command position
 _tarvex_cli() {
   local cur=${COMP_WORDS[COMP_CWORD]}
   local prev=${COMP_WORDS[COMP_CWORD - 1]}
-  local commands="open list hex details extract ifo disasm asm info verify play graph"
+  local commands="open list hex details extract ifo disasm asm info verify play graph subpictures menus
+    bitrate"
   local global_options="--help --version --yes --no"
   local -a extract_options=(--audio --video --stills --subpictures --disassemble --dir
     --video-out --stills-out --subpictures-out --source-out)
@@ -72,7 +73,8 @@ _tarvex_cli() {
     word=${COMP_WORDS[i]}
     case "$word" in
       --dir | --video-out | --stills-out | --subpictures-out | --source-out | --keys | \
-        --max-cells | --language | --region | --svg) ((i++)) ;;
+        --max-cells | --language | --region | --svg | --title | --stream | --display | --png | \
+        --vobsub | --interval) ((i++)) ;;
       -*) ;;
       *)
         if [[ -z $command ]]; then command=$word; else ((position++)); fi
@@ -81,15 +83,20 @@ _tarvex_cli() {
   done
 
   case "$prev" in
-    --dir)
+    --dir | --png)
       _tarvex_folders "$cur"
       return
       ;;
-    --video-out | --stills-out | --subpictures-out | --source-out | --svg)
+    --display)
+      compopt +o filenames 2>/dev/null
+      COMPREPLY=($(compgen -W "wide letterbox pan-scan" -- "$cur"))
+      return
+      ;;
+    --video-out | --stills-out | --subpictures-out | --source-out | --svg | --vobsub)
       mapfile -t COMPREPLY < <(compgen -f -- "$cur")
       return
       ;;
-    --keys | --max-cells | --language | --region)
+    --keys | --max-cells | --language | --region | --title | --stream | --interval)
       return
       ;;
   esac
@@ -114,6 +121,9 @@ _tarvex_cli() {
       verify) options+=" --json --ifo-only --list-checks" ;;
       play) options+=" --json --keys --registers --max-cells --language --region" ;;
       graph) options+=" --svg" ;;
+      subpictures) options+=" --title --stream --display --png --vobsub --json" ;;
+      menus) options+=" --png --json" ;;
+      bitrate) options+=" --title --interval --json --svg" ;;
     esac
     compopt +o filenames 2>/dev/null
     COMPREPLY=($(compgen -W "$options" -- "$cur"))

@@ -36,7 +36,7 @@ function __tarvex_cli_argument
     test (__tarvex_cli_position) -eq $argv[2]
 end
 
-set -l commands open list hex details extract ifo disasm asm info verify play graph
+set -l commands open list hex details extract ifo disasm asm info verify play graph subpictures menus bitrate
 complete -c tarvex-cli -f
 complete -c tarvex-cli -n "not __fish_seen_subcommand_from $commands" -a open -d 'Open FILE and print its first page'
 complete -c tarvex-cli -n "not __fish_seen_subcommand_from $commands" -a list -d 'List records FIRST to END-1'
@@ -50,6 +50,9 @@ complete -c tarvex-cli -n "not __fish_seen_subcommand_from $commands" -a info -d
 complete -c tarvex-cli -n "not __fish_seen_subcommand_from $commands" -a verify -d 'Check a whole disc against its VOBs'
 complete -c tarvex-cli -n "not __fish_seen_subcommand_from $commands" -a play -d 'Run the navigation machine from first play'
 complete -c tarvex-cli -n "not __fish_seen_subcommand_from $commands" -a graph -d 'Print the navigation graph as Graphviz DOT'
+complete -c tarvex-cli -n "not __fish_seen_subcommand_from $commands" -a subpictures -d 'The sub-picture units of a title in their colours'
+complete -c tarvex-cli -n "not __fish_seen_subcommand_from $commands" -a menus -d 'Every menu as a picture with its buttons'
+complete -c tarvex-cli -n "not __fish_seen_subcommand_from $commands" -a bitrate -d 'Pack bytes per stream per interval of title time'
 
 complete -c tarvex-cli -l yes -d 'Answer Yes to every Yes/No question'
 complete -c tarvex-cli -l no -d 'Answer No to every Yes/No question'
@@ -60,7 +63,7 @@ complete -c tarvex-cli -n '__tarvex_cli_argument open 1; or __tarvex_cli_argumen
 complete -c tarvex-cli -n '__tarvex_cli_argument extract 1' -a '(__tarvex_files vob m2p ifo)'
 complete -c tarvex-cli -n '__tarvex_cli_argument ifo 1; or __tarvex_cli_argument disasm 1; or __tarvex_cli_argument asm 2' -a '(__tarvex_files ifo)'
 complete -c tarvex-cli -n '__tarvex_cli_argument disasm 2; or __tarvex_cli_argument asm 1' -a '(__tarvex_files ini)'
-complete -c tarvex-cli -n '__tarvex_cli_argument info 1; or __tarvex_cli_argument verify 1; or __tarvex_cli_argument play 1; or __tarvex_cli_argument graph 1' -a '(__tarvex_files iso)'
+complete -c tarvex-cli -n '__tarvex_cli_argument info 1; or __tarvex_cli_argument verify 1; or __tarvex_cli_argument play 1; or __tarvex_cli_argument graph 1; or __tarvex_cli_argument subpictures 1; or __tarvex_cli_argument menus 1; or __tarvex_cli_argument bitrate 1' -a '(__tarvex_files iso)'
 
 complete -c tarvex-cli -n '__fish_seen_subcommand_from extract' -l audio -d 'Audio to *.M2A, *.MPA, *.AC3 or *.WAV'
 complete -c tarvex-cli -n '__fish_seen_subcommand_from extract' -l video -d 'Video to *.M2V or *.MPV'
@@ -73,12 +76,19 @@ complete -c tarvex-cli -n '__fish_seen_subcommand_from extract' -l stills-out -r
 complete -c tarvex-cli -n '__fish_seen_subcommand_from extract' -l subpictures-out -r -F -d 'Answer to the sub-picture chooser'
 complete -c tarvex-cli -n '__fish_seen_subcommand_from extract' -l source-out -r -F -d 'Answer to the disassembly source chooser'
 
-complete -c tarvex-cli -n '__fish_seen_subcommand_from list info verify play' -l json -d 'Print JSON'
+complete -c tarvex-cli -n '__fish_seen_subcommand_from list info verify play subpictures menus bitrate' -l json -d 'Print JSON'
 complete -c tarvex-cli -n '__fish_seen_subcommand_from play' -l keys -x -d 'Keys pressed when playback waits (comma list)'
 complete -c tarvex-cli -n '__fish_seen_subcommand_from play' -l registers -d 'Show the registers each command changed'
 complete -c tarvex-cli -n '__fish_seen_subcommand_from play' -l max-cells -x -d 'End after this many cells'
 complete -c tarvex-cli -n '__fish_seen_subcommand_from play' -l language -x -d 'Menu, audio and sub-picture language'
 complete -c tarvex-cli -n '__fish_seen_subcommand_from play' -l region -x -a '1 2 3 4 5 6 7 8' -d 'The player region'
 complete -c tarvex-cli -n '__fish_seen_subcommand_from graph' -l svg -r -F -d 'Also draw the graph as SVG'
+complete -c tarvex-cli -n '__fish_seen_subcommand_from subpictures bitrate' -l title -x -d 'The title'
+complete -c tarvex-cli -n '__fish_seen_subcommand_from subpictures' -l stream -x -d 'The declared sub-picture stream, 1-32'
+complete -c tarvex-cli -n '__fish_seen_subcommand_from subpictures' -l display -x -a 'wide letterbox pan-scan' -d 'The form of a 16:9 title'
+complete -c tarvex-cli -n '__fish_seen_subcommand_from subpictures menus' -l png -x -a '(__fish_complete_directories)' -d 'Folder for the PNG files'
+complete -c tarvex-cli -n '__fish_seen_subcommand_from subpictures' -l vobsub -r -F -d 'Write BASE.idx and BASE.sub'
+complete -c tarvex-cli -n '__fish_seen_subcommand_from bitrate' -l interval -x -d 'Seconds per interval'
+complete -c tarvex-cli -n '__fish_seen_subcommand_from bitrate' -l svg -r -F -d 'Also draw the rates as SVG'
 complete -c tarvex-cli -n '__fish_seen_subcommand_from verify' -l ifo-only -d 'Check the IFO files only'
 complete -c tarvex-cli -n '__fish_seen_subcommand_from verify' -l list-checks -d 'List every check and exit'

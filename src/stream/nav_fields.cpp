@@ -1,5 +1,7 @@
 #include "stream/nav_fields.h"
 
+#include <algorithm>
+
 #include "stream/nav_layout.h"
 
 namespace tarvex {
@@ -64,6 +66,20 @@ HighlightInfo DecodeHighlight(ByteView record) {
     h.buttons.push_back(DecodeButton(pci.sub(kPciButtons + kButtonSize * n, kButtonSize), n + 1));
   }
   return h;
+}
+
+std::vector<NavButton> DecodeButtonGroup(ByteView record, std::uint32_t group,
+                                         std::uint32_t groups) {
+  ByteView pci = record.sub(kPciData);
+  std::uint32_t per_group = groups >= 1 && groups <= 3 ? kMaxButtons / groups : kMaxButtons;
+  std::uint32_t first = group >= 1 && group <= 3 ? (group - 1) * per_group : 0;
+  std::uint32_t count = std::min<std::uint32_t>(pci.u8(kPciBtnNs) & 0x3F, per_group);
+  std::vector<NavButton> buttons;
+  for (std::uint32_t n = 0; n < count; ++n) {
+    buttons.push_back(
+        DecodeButton(pci.sub(kPciButtons + kButtonSize * (first + n), kButtonSize), n + 1));
+  }
+  return buttons;
 }
 
 }  // namespace tarvex

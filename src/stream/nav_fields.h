@@ -54,5 +54,9 @@ ByteView NavButtonCommand(ByteView record, std::uint32_t n);
 // The highlight information of a navigation pack record, its buttons in the order of the table
 // (all btn_ns of them, at most 36).
 HighlightInfo DecodeHighlight(ByteView record);
+// The btn_ns buttons of button group g (1-3) of a highlight information of groups groups: the
+// table gives each group 36 / groups entries, group 1 first.
+std::vector<NavButton> DecodeButtonGroup(ByteView record, std::uint32_t group,
+                                         std::uint32_t groups);
 
 }  // namespace tarvex
