@@ -4,6 +4,7 @@
 #include <string>
 
 #include "cli/cli.h"
+#include "cli/disc_command.h"
 #include "picture/bitrate.h"
 #include "picture/menus.h"
 #include "picture/subpictures.h"
@@ -12,25 +13,6 @@
 namespace tarvex::cli {
 
 namespace {
-
-constexpr const char* kDiscHelp =
-    "A folder named VIDEO_TS, the folder that holds one, or an ISO image (read directly, "
-    "nothing is mounted)";
-
-void Print(const std::string& text) {
-  std::fwrite(text.data(), 1, text.size(), stdout);
-  std::fflush(stdout);
-}
-
-std::optional<Disc> Load(const char* command, const std::string& path, Session& session) {
-  std::string error;
-  std::optional<Disc> disc = LoadDisc(path, error);
-  if (!disc) {
-    std::fprintf(stderr, "tarvex-cli %s: %s: %s\n", command, path.c_str(), error.c_str());
-    session.exit_status = 1;
-  }
-  return disc;
-}
 
 void Fail(const char* command, const std::string& message, Session& session) {
   std::fprintf(stderr, "tarvex-cli %s: %s\n", command, message.c_str());
@@ -44,7 +26,7 @@ struct SubpictureOptions {
 };
 
 void RunSubpictures(const SubpictureOptions& o, Session& session) {
-  std::optional<Disc> disc = Load("subpictures", o.disc, session);
+  std::optional<Disc> disc = LoadDiscForCommand("subpictures", o.disc, session);
   if (!disc) return;
   std::string error;
   std::optional<picture::SubpictureTrack> track = picture::ReadSubpictures(*disc, o.request, error);
@@ -54,9 +36,9 @@ void RunSubpictures(const SubpictureOptions& o, Session& session) {
   if (!o.vobsub.empty() && !picture::WriteVobsub(*track, o.vobsub, error))
     return Fail("subpictures", error, session);
   if (o.json) {
-    Print(picture::SubpictureJson(*track));
+    PrintOut(picture::SubpictureJson(*track));
   } else {
-    Print(picture::SubpictureText(*track));
+    PrintOut(picture::SubpictureText(*track));
   }
   session.exit_status = 0;
 }
@@ -112,7 +94,7 @@ struct BitrateOptions {
 };
 
 void RunBitrate(const BitrateOptions& o, Session& session) {
-  std::optional<Disc> disc = Load("bitrate", o.disc, session);
+  std::optional<Disc> disc = LoadDiscForCommand("bitrate", o.disc, session);
   if (!disc) return;
   std::string error;
   std::optional<picture::BitrateReport> report =
@@ -125,7 +107,7 @@ void RunBitrate(const BitrateOptions& o, Session& session) {
     if (f && std::fclose(f) != 0) ok = false;
     if (!ok) return Fail("bitrate", o.svg + ": cannot be written", session);
   }
-  Print(o.json ? picture::BitrateJson(*report) : picture::BitrateText(*report));
+  PrintOut(o.json ? picture::BitrateJson(*report) : picture::BitrateText(*report));
   session.exit_status = 0;
 }
 
@@ -168,14 +150,14 @@ struct MenuOptions {
 };
 
 void RunMenus(const MenuOptions& o, Session& session) {
-  std::optional<Disc> disc = Load("menus", o.disc, session);
+  std::optional<Disc> disc = LoadDiscForCommand("menus", o.disc, session);
   if (!disc) return;
   std::string error;
   std::optional<std::vector<picture::MenuPicture>> menus = picture::ReadMenus(*disc, error);
   if (!menus) return Fail("menus", error, session);
   if (!o.png.empty() && !picture::WriteMenuPngs(*menus, o.png, error))
     return Fail("menus", error, session);
-  Print(o.json ? picture::MenusJson(*disc, *menus) : picture::MenusText(*disc, *menus));
+  PrintOut(o.json ? picture::MenusJson(*disc, *menus) : picture::MenusText(*disc, *menus));
   session.exit_status = 0;
 }
 
