@@ -1,7 +1,7 @@
 # The layers of src/: every #include "FOLDER/..." of a source in src/<layer>/ must name a folder
 # that layer may include, so that every include points down:
 #
-#   platform <- state <- ifo, stream, extract <- convert, app <- disc <- nav <- cli, gui
+#   platform <- state <- ifo, stream, extract <- convert, app <- disc <- nav, archive <- cli, gui
 #
 # Usage:
 #   cmake -DSOURCE_DIR=<repo>/src -P layers.cmake
@@ -24,9 +24,11 @@ set(LAYER_app platform state ifo stream extract convert app)
 set(LAYER_disc platform state ifo stream extract convert app disc)
 # nav: the navigation machine (play, graph, reachability) over the disc model.
 set(LAYER_nav platform state ifo stream extract convert app disc nav)
-set(LAYER_cli platform state ifo stream extract convert app disc nav cli)
-set(LAYER_gui platform state ifo stream extract convert app disc nav gui)
-set(LAYERS platform state ifo stream extract convert app disc nav cli gui)
+# archive: title rips, chapter files, damaged images mapped onto titles.
+set(LAYER_archive platform state ifo stream extract convert app disc archive)
+set(LAYER_cli platform state ifo stream extract convert app disc nav archive cli)
+set(LAYER_gui platform state ifo stream extract convert app disc nav archive gui)
+set(LAYERS platform state ifo stream extract convert app disc nav archive cli gui)
 
 # The rules themselves never let two layers include each other.
 function(check_rules_are_ordered)

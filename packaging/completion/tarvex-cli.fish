@@ -36,7 +36,7 @@ function __tarvex_cli_argument
     test (__tarvex_cli_position) -eq $argv[2]
 end
 
-set -l commands open list hex details extract ifo disasm asm info verify play graph
+set -l commands open list hex details extract ifo disasm asm info verify play graph rip
 complete -c tarvex-cli -f
 complete -c tarvex-cli -n "not __fish_seen_subcommand_from $commands" -a open -d 'Open FILE and print its first page'
 complete -c tarvex-cli -n "not __fish_seen_subcommand_from $commands" -a list -d 'List records FIRST to END-1'
@@ -50,6 +50,7 @@ complete -c tarvex-cli -n "not __fish_seen_subcommand_from $commands" -a info -d
 complete -c tarvex-cli -n "not __fish_seen_subcommand_from $commands" -a verify -d 'Check a whole disc against its VOBs'
 complete -c tarvex-cli -n "not __fish_seen_subcommand_from $commands" -a play -d 'Run the navigation machine from first play'
 complete -c tarvex-cli -n "not __fish_seen_subcommand_from $commands" -a graph -d 'Print the navigation graph as Graphviz DOT'
+complete -c tarvex-cli -n "not __fish_seen_subcommand_from $commands" -a rip -d 'Copy a title in play order, with chapters'
 
 complete -c tarvex-cli -l yes -d 'Answer Yes to every Yes/No question'
 complete -c tarvex-cli -l no -d 'Answer No to every Yes/No question'
@@ -60,7 +61,7 @@ complete -c tarvex-cli -n '__tarvex_cli_argument open 1; or __tarvex_cli_argumen
 complete -c tarvex-cli -n '__tarvex_cli_argument extract 1' -a '(__tarvex_files vob m2p ifo)'
 complete -c tarvex-cli -n '__tarvex_cli_argument ifo 1; or __tarvex_cli_argument disasm 1; or __tarvex_cli_argument asm 2' -a '(__tarvex_files ifo)'
 complete -c tarvex-cli -n '__tarvex_cli_argument disasm 2; or __tarvex_cli_argument asm 1' -a '(__tarvex_files ini)'
-complete -c tarvex-cli -n '__tarvex_cli_argument info 1; or __tarvex_cli_argument verify 1; or __tarvex_cli_argument play 1; or __tarvex_cli_argument graph 1' -a '(__tarvex_files iso)'
+complete -c tarvex-cli -n '__tarvex_cli_argument info 1; or __tarvex_cli_argument verify 1; or __tarvex_cli_argument play 1; or __tarvex_cli_argument graph 1; or __tarvex_cli_argument rip 1' -a '(__tarvex_files iso)'
 
 complete -c tarvex-cli -n '__fish_seen_subcommand_from extract' -l audio -d 'Audio to *.M2A, *.MPA, *.AC3 or *.WAV'
 complete -c tarvex-cli -n '__fish_seen_subcommand_from extract' -l video -d 'Video to *.M2V or *.MPV'
@@ -82,3 +83,8 @@ complete -c tarvex-cli -n '__fish_seen_subcommand_from play' -l region -x -a '1 
 complete -c tarvex-cli -n '__fish_seen_subcommand_from graph' -l svg -r -F -d 'Also draw the graph as SVG'
 complete -c tarvex-cli -n '__fish_seen_subcommand_from verify' -l ifo-only -d 'Check the IFO files only'
 complete -c tarvex-cli -n '__fish_seen_subcommand_from verify' -l list-checks -d 'List every check and exit'
+complete -c tarvex-cli -n '__fish_seen_subcommand_from rip' -l title -x -d 'The title to rip'
+complete -c tarvex-cli -n '__fish_seen_subcommand_from rip' -l angle -x -a '1 2 3 4 5 6 7 8 9' -d 'The angle of angle blocks'
+complete -c tarvex-cli -n '__fish_seen_subcommand_from rip' -s o -l output -r -F -d 'Write the title to FILE (- for standard output)'
+complete -c tarvex-cli -n '__fish_seen_subcommand_from rip' -l chapters -r -F -d 'Write the chapters to FILE'
+complete -c tarvex-cli -n '__fish_seen_subcommand_from rip' -l chapter-format -x -a 'ogm ffmetadata matroska' -d 'Chapter file format'

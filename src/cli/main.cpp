@@ -90,6 +90,7 @@ int Run(int argc, char** argv) {
   AddIfoCommands(app, session);
   AddDiscCommands(app, session);
   AddNavCommands(app, session);
+  AddArchiveCommands(app, session);
 
   try {
     app.parse(argc, argv);
