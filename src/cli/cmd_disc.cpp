@@ -3,6 +3,7 @@
 #include <memory>
 #include <string>
 
+#include "archive/rip.h"
 #include "cli/cli.h"
 #include "disc/info.h"
 #include "disc/verify.h"
@@ -38,7 +39,8 @@ void AddInfo(CLI::App& app, Session& session) {
       "length, angles, chapters (with their first cells), cells (with their sectors and\n"
       "VOB and cell ids), video, audio and sub-picture streams and sub-picture palette, then\n"
       "the menus. Lengths come from the playback times, frames counted at 29.97 or 25\n"
-      "frames per second, to the millisecond.\n"
+      "frames per second, to the millisecond. Each title also shows the bytes a rip of\n"
+      "its angle 1 writes.\n"
       "\n"
       "A stream's id is the one it really plays through: the program chain's audio and\n"
       "sub-picture stream control maps each declared stream to a stream number (for a 16:9\n"
@@ -52,6 +54,10 @@ void AddInfo(CLI::App& app, Session& session) {
       "\"titles\": [{\"number\", \"title_set\", \"title_in_set\", \"length\", \"angles\", "
       "\"video\",\n"
       "\"audio\", \"subpictures\", \"chapters\", \"cells\", \"palette\", ...}], \"menus\"}.\n"
+      "Beside each \"length\" of titles, chapters, programs and cells, \"duration\" is the\n"
+      "time the pictures take: the cells' playback times read as frames of 1001/30000 s\n"
+      "(30 fps) or 1/25 s, summed exactly and rounded to the millisecond (an angle block\n"
+      "counts angle 1).\n"
       "\"disc\" is DISC as given; everything else is the same for a folder and an ISO image\n"
       "of it.\n"
       "\n"
@@ -72,7 +78,12 @@ void AddInfo(CLI::App& app, Session& session) {
       std::optional<TitleNavigation> navigation;
       if (disc->vmg.ifo_found) navigation = nav::NavigateTitles(*disc);
       const TitleNavigation* known = navigation ? &*navigation : nullptr;
-      Print(o->json ? DiscInfoJson(*disc, known) : DiscInfoText(*disc, known));
+      if (o->json) {
+        Print(DiscInfoJson(*disc, known));
+      } else {
+        TitleRipSizes sizes{RipSizesOfTitles(*disc)};
+        Print(DiscInfoText(*disc, known, &sizes));
+      }
       session.exit_status = 0;
     };
   });
