@@ -111,7 +111,7 @@ _tarvex_cli() {
     case "$command" in
       extract) options+=" ${extract_options[*]}" ;;
       list | info) options+=" --json" ;;
-      verify) options+=" --json --ifo-only --list-checks" ;;
+      verify) options+=" --json --ifo-only --list-checks --mapfile" ;;
       play) options+=" --json --keys --registers --max-cells --language --region" ;;
       graph) options+=" --svg" ;;
       rip) options+=" --title --angle -o --output --chapters --chapter-format" ;;

@@ -83,6 +83,7 @@ complete -c tarvex-cli -n '__fish_seen_subcommand_from play' -l region -x -a '1 
 complete -c tarvex-cli -n '__fish_seen_subcommand_from graph' -l svg -r -F -d 'Also draw the graph as SVG'
 complete -c tarvex-cli -n '__fish_seen_subcommand_from verify' -l ifo-only -d 'Check the IFO files only'
 complete -c tarvex-cli -n '__fish_seen_subcommand_from verify' -l list-checks -d 'List every check and exit'
+complete -c tarvex-cli -n '__fish_seen_subcommand_from verify' -l mapfile -r -F -d 'Map the damage of a GNU ddrescue mapfile of the image'
 complete -c tarvex-cli -n '__fish_seen_subcommand_from rip' -l title -x -d 'The title to rip'
 complete -c tarvex-cli -n '__fish_seen_subcommand_from rip' -l angle -x -a '1 2 3 4 5 6 7 8 9' -d 'The angle of angle blocks'
 complete -c tarvex-cli -n '__fish_seen_subcommand_from rip' -s o -l output -r -F -d 'Write the title to FILE (- for standard output)'

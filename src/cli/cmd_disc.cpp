@@ -1,8 +1,13 @@
 // info, verify: the whole-disc commands.
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
 #include <memory>
+#include <sstream>
 #include <string>
 
+#include "archive/damage.h"
+#include "archive/mapfile.h"
 #include "archive/rip.h"
 #include "cli/cli.h"
 #include "disc/info.h"
@@ -89,9 +94,31 @@ void AddInfo(CLI::App& app, Session& session) {
   });
 }
 
+// The damaged blocks of MAP; nothing (with a message) when MAP is a folder, cannot be read or
+// is malformed.
+std::optional<std::vector<MapBlock>> ReadMapfile(const std::string& path) {
+  std::error_code ec;
+  if (std::filesystem::is_directory(path, ec)) {
+    std::fprintf(stderr, "tarvex-cli verify: --mapfile %s: a folder, not a mapfile\n",
+                 path.c_str());
+    return std::nullopt;
+  }
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  std::string error;
+  std::optional<Mapfile> map = in ? ParseMapfile(text.str(), error) : std::nullopt;
+  if (!in) error = "cannot be read";
+  if (!map) {
+    std::fprintf(stderr, "tarvex-cli verify: --mapfile %s: %s\n", path.c_str(), error.c_str());
+    return std::nullopt;
+  }
+  return DamagedBlocks(*map);
+}
+
 void AddVerify(CLI::App& app, Session& session) {
   struct Options {
-    std::string disc;
+    std::string disc, mapfile;
     bool json = false, ifo_only = false, list_checks = false;
   };
   auto o = std::make_shared<Options>();
@@ -122,11 +149,24 @@ void AddVerify(CLI::App& app, Session& session) {
       "\"warnings\", \"infos\"}. Each check lists at most 200 findings; the last one says how\n"
       "many more there were.\n"
       "\n"
+      "An ISO image shorter than its volume size is image.truncated (\"file\": null,\n"
+      "\"sector\" the first missing image sector; (image) in the text). --mapfile MAP\n"
+      "reads a GNU ddrescue mapfile of the image DISC (byte positions of the image) and\n"
+      "maps every range not finished (-, /, *, ?) onto the files it falls in, through\n"
+      "their UDF extents: one image.damaged per file and range, at the record holding the\n"
+      "range's first damaged byte, naming the title sets, titles, cells and title times a\n"
+      "VOB range hits; a range in no file is one finding with \"file\": null.\n"
+      "\n"
       "Exit status: 0 no error (warnings allowed), 1 at least one error or the disc cannot\n"
-      "be read (the reason on standard error), 2 usage error.");
+      "be read (the reason on standard error), 2 usage error (also a malformed MAP, named\n"
+      "by its line, a MAP that is a folder, or --mapfile with a folder DISC).");
   cmd->add_option("DISC", o->disc, kDiscHelp)->type_name("PATH");
   cmd->add_flag("--json", o->json, "Print the findings as JSON");
   cmd->add_flag("--ifo-only", o->ifo_only, "Check the IFO files only; do not read the VOBs");
+  cmd->add_option("--mapfile", o->mapfile,
+                  "Map the damaged ranges of MAP, a GNU ddrescue mapfile of the image DISC, onto "
+                  "its files, titles, cells and times")
+      ->type_name("MAP");
   cmd->add_flag("--list-checks", o->list_checks,
                 "List every check (id, severity, explanation) and exit; DISC is not needed");
   cmd->callback([&session, o] {
@@ -141,6 +181,11 @@ void AddVerify(CLI::App& app, Session& session) {
         session.usage_error = true;
         return;
       }
+      std::optional<std::vector<MapBlock>> damaged;
+      if (!o->mapfile.empty() && !(damaged = ReadMapfile(o->mapfile))) {
+        session.usage_error = true;
+        return;
+      }
       std::string error;
       std::optional<Disc> disc = LoadDisc(o->disc, error);
       if (!disc) {
@@ -148,9 +193,15 @@ void AddVerify(CLI::App& app, Session& session) {
         session.exit_status = 1;
         return;
       }
+      if (damaged && disc->kind != "iso") {
+        PrintError("verify", o->disc, "--mapfile needs an image, not a folder");
+        session.usage_error = true;
+        return;
+      }
       VerifyOptions options{.ifo_only = o->ifo_only,
-                            .more_checks = [](const Disc& d, Findings& out) {
+                            .more_checks = [&damaged](const Disc& d, Findings& out) {
                               nav::AddNavigationFindings(d, nav::Analyze(d), out);
+                              if (damaged) AddDamageFindings(d, *damaged, out);
                             }};
       VerifyResult result = VerifyDisc(*disc, options);
       Print(o->json ? VerifyJson(o->disc, result) : VerifyText(result));

@@ -72,7 +72,7 @@ class FolderDisc final : public DiscAccess {
     for (const auto& entry : std::filesystem::directory_iterator(folder_, ec)) {
       std::error_code ec2;
       if (!entry.is_regular_file(ec2)) continue;
-      files_.push_back({entry.path().filename().string(), entry.file_size(ec2), std::nullopt});
+      files_.push_back({entry.path().filename().string(), entry.file_size(ec2), std::nullopt, {}});
     }
     SortByName(files_);
   }
@@ -117,6 +117,7 @@ struct ImageInput {
   int fd = -1;
   std::vector<std::uint8_t> memory;
   std::uint32_t blocks = 0;
+  std::uint64_t bytes = 0;
 };
 
 int ImageRead(udfread_block_input* input, std::uint32_t lba, void* buf, std::uint32_t nblocks,
@@ -162,6 +163,43 @@ bool AnnouncesUdf(ImageInput& input) {
     if (std::find(std::begin(kKnown), std::end(kKnown), id) == std::end(kKnown)) return false;
   }
   return false;
+}
+
+// The ISO 9660 volume space size (primary volume descriptor, sector 16, bytes 80-83 little
+// endian), or nothing without one.
+std::optional<std::uint64_t> VolumeSectors(ImageInput& input) {
+  std::uint8_t sector[UDF_BLOCK_SIZE];
+  if (ImageRead(&input.base, 16, sector, 1, 0) != 1) return std::nullopt;
+  if (sector[0] != 1 || std::string_view(reinterpret_cast<const char*>(sector + 1), 5) != "CD001")
+    return std::nullopt;
+  return std::uint64_t{sector[80]} | (std::uint64_t{sector[81]} << 8) |
+         (std::uint64_t{sector[82]} << 16) | (std::uint64_t{sector[83]} << 24);
+}
+
+// The runs of a file of `blocks` records: from each run's first record, the last record
+// whose image sector follows on one to one is found by bisection.
+std::vector<FileExtent> FileExtents(UDFFILE* file, std::uint64_t blocks) {
+  std::vector<FileExtent> extents;
+  std::uint64_t at = 0;
+  while (at < blocks && extents.size() < 4096) {
+    std::uint32_t start = udfread_file_lba(file, static_cast<std::uint32_t>(at));
+    if (start == 0) break;
+    auto follows = [&](std::uint64_t r) {
+      return udfread_file_lba(file, static_cast<std::uint32_t>(r)) == start + (r - at);
+    };
+    std::uint64_t lo = at, hi = blocks - 1;  // lo follows on; the answer lies in [lo, hi]
+    while (lo < hi) {
+      std::uint64_t mid = lo + (hi - lo + 1) / 2;
+      if (follows(mid)) {
+        lo = mid;
+      } else {
+        hi = mid - 1;
+      }
+    }
+    extents.push_back({at, start, lo - at + 1});
+    at = lo + 1;
+  }
+  return extents;
 }
 
 class UdfFile final : public DiscFile {
@@ -245,10 +283,12 @@ class ImageDisc final : public DiscAccess {
       return false;
     }
     ListFiles();
+    sizes_ = {input_->bytes, VolumeSectors(*input_)};
     return true;
   }
 
   const char* kind() const override { return "iso"; }
+  std::optional<ImageSizes> image_sizes() const override { return sizes_; }
   const std::vector<DiscFileEntry>& files() const override { return files_; }
   std::unique_ptr<DiscFile> Open(const std::string& name) override {
     const DiscFileEntry* entry = Find(name);
@@ -274,14 +314,16 @@ class ImageDisc final : public DiscAccess {
       if (file == nullptr) continue;
       std::int64_t size = udfread_file_size(file);
       std::uint32_t lba = udfread_file_lba(file, 0);
+      std::uint64_t bytes = size > 0 ? static_cast<std::uint64_t>(size) : 0;
+      files_.push_back({name, bytes, lba != 0 ? std::optional<std::uint32_t>(lba) : std::nullopt,
+                        FileExtents(file, (bytes + UDF_BLOCK_SIZE - 1) / UDF_BLOCK_SIZE)});
       udfread_file_close(file);
-      files_.push_back({name, size > 0 ? static_cast<std::uint64_t>(size) : 0,
-                        lba != 0 ? std::optional<std::uint32_t>(lba) : std::nullopt});
     }
     SortByName(files_);
   }
 
   std::unique_ptr<ImageInput> input_;
+  std::optional<ImageSizes> sizes_;
   udfread* udf_ = nullptr;
   std::string folder_;
   std::vector<DiscFileEntry> files_;
@@ -309,7 +351,7 @@ class MemoryDisc final : public DiscAccess {
   explicit MemoryDisc(std::vector<std::pair<std::string, std::vector<std::uint8_t>>> files)
       : contents_(std::move(files)) {
     for (const auto& [name, bytes] : contents_)
-      files_.push_back({name, bytes.size(), std::nullopt});
+      files_.push_back({name, bytes.size(), std::nullopt, {}});
     SortByName(files_);
   }
   const char* kind() const override { return "memory"; }
@@ -378,6 +420,7 @@ std::unique_ptr<DiscAccess> OpenDisc(const std::string& path, std::string& error
   input->fd = fd;
   input->blocks = static_cast<std::uint32_t>(
       std::min<std::uint64_t>(static_cast<std::uint64_t>(st.st_size) / UDF_BLOCK_SIZE, UINT32_MAX));
+  input->bytes = static_cast<std::uint64_t>(st.st_size);
   auto disc = std::make_unique<ImageDisc>();
   if (!disc->Start(std::move(input), error)) return nullptr;
   return disc;
@@ -391,6 +434,7 @@ std::unique_ptr<DiscAccess> OpenMemoryDisc(
 std::unique_ptr<DiscAccess> OpenDiscImage(std::vector<std::uint8_t> image, std::string& error) {
   auto input = std::make_unique<ImageInput>();
   input->blocks = static_cast<std::uint32_t>(image.size() / UDF_BLOCK_SIZE);
+  input->bytes = image.size();
   input->memory = std::move(image);
   auto disc = std::make_unique<ImageDisc>();
   if (!disc->Start(std::move(input), error)) return nullptr;
