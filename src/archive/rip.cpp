@@ -55,9 +55,33 @@ std::uint64_t ExpectedBytes(const TitleCells& plan) {
   return bytes;
 }
 
+// Copies a run into options.direct_fd in the kernel; nothing when the files or the descriptor
+// do not allow it (nothing was copied then).
+std::optional<bool> CopyRunDirect(VobSetReader& reader, const SectorRun& run,
+                                  const RipOptions& options, RipResult& result,
+                                  std::uint64_t expected) {
+  constexpr std::uint64_t kDirectSectors = 32768;  // 64 MiB a call, for the progress
+  for (std::uint64_t at = run.first; at <= run.last;) {
+    std::uint64_t n = std::min(run.last - at + 1, kDirectSectors), copied = 0;
+    std::optional<bool> ok = reader.CopyTo(options.direct_fd, at, n, result.error, copied);
+    result.bytes += copied * kSectorSize;
+    if (!ok) {
+      if (at == run.first) return std::nullopt;
+      return false;
+    }
+    if (!*ok) return false;
+    at += n;
+    if (options.progress) options.progress(result.bytes, expected);
+  }
+  return true;
+}
+
 // Copies a run of sectors to the writer a block at a time.
 bool CopyRun(VobSetReader& reader, const SectorRun& run, std::vector<std::uint8_t>& buffer,
              const RipOptions& options, RipResult& result, std::uint64_t expected) {
+  if (options.direct_fd >= 0) {
+    if (std::optional<bool> ok = CopyRunDirect(reader, run, options, result, expected)) return *ok;
+  }
   for (std::uint64_t at = run.first; at <= run.last;) {
     std::size_t n =
         static_cast<std::size_t>(std::min<std::uint64_t>(run.last - at + 1, kBlockSectors));

@@ -31,6 +31,9 @@ struct RipOptions {
   std::uint32_t angle = 1;
   // Takes the bytes in order; false (with error set) stops the rip.
   std::function<bool(std::span<const std::uint8_t>, std::string& error)> write;
+  // A file descriptor the bytes may instead be copied into by the kernel (a regular file open
+  // for writing, where write would put them), or -1.
+  int direct_fd = -1;
   // Told the bytes done and the bytes the cells' sector ranges make (an upper bound when
   // units of other angles are interleaved with them).
   std::function<void(std::uint64_t done, std::uint64_t expected)> progress = {};

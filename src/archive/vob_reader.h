@@ -26,9 +26,16 @@ class VobSetReader {
     std::size_t read = 0;
     return Read(sector, out, error, read);
   }
+  // Copies count sectors from sector on into fd in the kernel. Nothing when the files cannot be
+  // copied so (nothing was copied); false (with error, and copied the whole sectors copied)
+  // when a sector cannot be read.
+  std::optional<bool> CopyTo(int fd, std::uint64_t sector, std::uint64_t count, std::string& error,
+                             std::uint64_t& copied);
 
  private:
   DiscFile* File(std::size_t part);
+  // The part holding sector, or parts.size().
+  std::size_t PartOf(std::uint64_t sector) const;
   std::string PastEnd(std::uint64_t sector) const;
   DiscAccess& access_;
   const VobSet& set_;

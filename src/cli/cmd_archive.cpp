@@ -1,5 +1,6 @@
 // rip: a title's packs in play order, with its chapters.
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -67,6 +68,12 @@ std::function<void(std::uint64_t, std::uint64_t)> TerminalProgress() {
   };
 }
 
+// Whether fd is a regular file (which the kernel can copy VOB sectors into directly).
+bool RegularFile(int fd) {
+  struct stat st {};
+  return fstat(fd, &st) == 0 && S_ISREG(st.st_mode);
+}
+
 // Streams the title into FILE (or standard output for "-"); the exit status.
 int WriteRip(const Disc& disc, const TitleCells& plan, const RipArgs& a) {
   bool to_stdout = a.output == "-";
@@ -79,6 +86,7 @@ int WriteRip(const Disc& disc, const TitleCells& plan, const RipArgs& a) {
   RipOptions options{.angle = a.angle,
                      .write = [fd](std::span<const std::uint8_t> bytes,
                                    std::string& error) { return WriteAll(fd, bytes, error); },
+                     .direct_fd = RegularFile(fd) ? fd : -1,
                      .progress = TerminalProgress()};
   RipResult result = RipTitle(disc, plan, options);
   if (options.progress) std::fputc('\n', stderr);

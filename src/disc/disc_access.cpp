@@ -35,6 +35,23 @@ void SortByName(std::vector<DiscFileEntry>& files) {
 
 // ---- a folder ---------------------------------------------------------------------------
 
+// copy_file_range from one file to another, nothing when the kernel cannot copy between them.
+std::optional<std::size_t> CopyRange(int from, std::uint64_t offset, std::size_t length, int to) {
+  std::size_t done = 0;
+  while (done < length) {
+    auto in = static_cast<off_t>(offset + done);
+    ssize_t n = copy_file_range(from, &in, to, nullptr, length - done, 0);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0 && done == 0 &&
+        (errno == EXDEV || errno == EINVAL || errno == ENOSYS || errno == EOPNOTSUPP)) {
+      return std::nullopt;
+    }
+    if (n <= 0) break;
+    done += static_cast<std::size_t>(n);
+  }
+  return done;
+}
+
 class PosixFile final : public DiscFile {
  public:
   PosixFile(int fd, std::uint64_t size) : fd_(fd), size_(size) {
@@ -58,6 +75,9 @@ class PosixFile final : public DiscFile {
       done += static_cast<std::size_t>(n);
     }
     return done;
+  }
+  std::optional<std::size_t> CopyTo(std::uint64_t offset, std::size_t length, int fd) override {
+    return CopyRange(fd_, offset, length, fd);
   }
 
  private:
@@ -204,7 +224,8 @@ std::vector<FileExtent> FileExtents(UDFFILE* file, std::uint64_t blocks) {
 
 class UdfFile final : public DiscFile {
  public:
-  explicit UdfFile(UDFFILE* file) : file_(file) {
+  // image_fd: the image file, for copies in the kernel (-1 for an image in memory).
+  UdfFile(UDFFILE* file, int image_fd) : file_(file), image_fd_(image_fd) {
     std::int64_t n = udfread_file_size(file_);
     size_ = n > 0 ? static_cast<std::uint64_t>(n) : 0;
   }
@@ -237,9 +258,22 @@ class UdfFile final : public DiscFile {
     }
     return done;
   }
+  // Whole records of one run of the image are copied from the image file itself.
+  std::optional<std::size_t> CopyTo(std::uint64_t offset, std::size_t length, int fd) override {
+    if (image_fd_ < 0 || length == 0 || offset % UDF_BLOCK_SIZE != 0 ||
+        length % UDF_BLOCK_SIZE != 0 || offset + length > size_) {
+      return std::nullopt;
+    }
+    auto first = static_cast<std::uint32_t>(offset / UDF_BLOCK_SIZE);
+    auto last = static_cast<std::uint32_t>((offset + length) / UDF_BLOCK_SIZE - 1);
+    std::uint32_t lba = udfread_file_lba(file_, first);
+    if (lba == 0 || udfread_file_lba(file_, last) != lba + (last - first)) return std::nullopt;
+    return CopyRange(image_fd_, std::uint64_t{lba} * UDF_BLOCK_SIZE, length, fd);
+  }
 
  private:
   UDFFILE* file_;
+  int image_fd_;
   std::uint64_t size_ = 0;
 };
 
@@ -295,7 +329,7 @@ class ImageDisc final : public DiscAccess {
     if (entry == nullptr) return nullptr;
     UDFFILE* file = udfread_file_open(udf_, (folder_ + entry->name).c_str());
     if (file == nullptr) return nullptr;
-    return std::make_unique<UdfFile>(file);
+    return std::make_unique<UdfFile>(file, input_->fd);
   }
 
  private:

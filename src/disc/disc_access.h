@@ -48,6 +48,14 @@ class DiscFile {
   // Reads up to out.size() bytes at offset; returns the number read (short at the end of the
   // file, 0 beyond it or on a read error).
   virtual std::size_t ReadAt(std::uint64_t offset, std::span<std::uint8_t> out) = 0;
+  // Copies length bytes at offset into the open file fd at its position, in the kernel
+  // (copy_file_range: no buffer of ours in between); returns the bytes copied (short at the end
+  // of the file or on a read error), or nothing when this file and fd cannot be copied so and
+  // nothing was copied (the caller then reads and writes).
+  virtual std::optional<std::size_t> CopyTo(std::uint64_t offset, std::size_t length, int fd) {
+    (void)offset, (void)length, (void)fd;
+    return std::nullopt;
+  }
 };
 
 class DiscAccess {
