@@ -233,8 +233,8 @@ TEST(RipDisc, ChapterFilesReadBackByMkvmergeAndFfmpeg) {
             0);
   std::string mkv = dir.file("ff.mkv");
   test::CaptureCommand("ffmpeg -v error -y -fflags +genpts -i " + ShellQuote(vob) + " -i " +
-                       ShellQuote(meta) + " -map 0:v -map_metadata 1 -map_chapters 1 -codec copy " + ShellQuote(mkv) +
-                       " 2>&1");
+                       ShellQuote(meta) + " -map 0:v -map_metadata 1 -map_chapters 1 -codec copy " +
+                       ShellQuote(mkv) + " 2>&1");
   std::string probe = test::CaptureCommand("ffprobe -v error -show_chapters -of compact " +
                                            ShellQuote(mkv) + " 2>&1");
   std::vector<double> starts, ends;
