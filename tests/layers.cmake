@@ -1,7 +1,8 @@
 # The layers of src/: every #include "FOLDER/..." of a source in src/<layer>/ must name a folder
 # that layer may include, so that every include points down:
 #
-#   platform <- state <- ifo, stream, extract <- convert, app <- disc <- nav <- picture <- cli, gui
+#   platform <- state <- ifo, stream, extract <- convert, app <- disc <- nav, archive <- picture
+#   <- cli, gui
 #
 # Usage:
 #   cmake -DSOURCE_DIR=<repo>/src -P layers.cmake
@@ -26,9 +27,11 @@ set(LAYER_disc platform state ifo stream extract convert app disc)
 set(LAYER_nav platform state ifo stream extract convert app disc nav)
 # picture: sub-pictures, menus and bitrate charts drawn over the disc model and the machine.
 set(LAYER_picture platform state ifo stream extract convert app disc nav picture)
-set(LAYER_cli platform state ifo stream extract convert app disc nav picture cli)
-set(LAYER_gui platform state ifo stream extract convert app disc nav picture gui)
-set(LAYERS platform state ifo stream extract convert app disc nav picture cli gui)
+# archive: title rips, chapter files, damaged images mapped onto titles.
+set(LAYER_archive platform state ifo stream extract convert app disc archive)
+set(LAYER_cli platform state ifo stream extract convert app disc nav picture archive cli)
+set(LAYER_gui platform state ifo stream extract convert app disc nav picture archive gui)
+set(LAYERS platform state ifo stream extract convert app disc nav picture archive cli gui)
 
 # The rules themselves never let two layers include each other.
 function(check_rules_are_ordered)

@@ -6,8 +6,9 @@
 #   test    build + GoogleTest and every tool and library the tests use, so that no test
 #           is skipped: ffmpeg (with ffprobe) and lsdvd for the interoperability tests,
 #           dvdauthor and genisoimage for test discs and ISO images, libdvdnav-dev for the
-#           playback tests' reference player, nlohmann-json, python3 for the damaged-disc
-#           tool, and
+#           playback tests' reference player (and libdvdread-dev for the rip tests' reference
+#           ripper), mkvtoolnix to read chapter files back, nlohmann-json, python3 for the
+#           damaged-disc tool, and
 #           groff, desktop-file-utils, zsh and fish for the manual page, desktop entry and
 #           completion checks (tools/test.sh), graphviz (the dot tool) to read the navigation
 #           graph back, mkvtoolnix (mkvmerge muxes the VobSub files of subpictures)
@@ -24,8 +25,9 @@ set -euo pipefail
 build_packages=(cmake ninja-build g++ libcli11-dev pkg-config libudfread-dev libgraphviz-dev
                 libpng-dev libavcodec-dev)
 test_packages=("${build_packages[@]}" libgtest-dev libgmock-dev
-               ffmpeg lsdvd dvdauthor genisoimage libdvdnav-dev nlohmann-json3-dev python3
-               groff-base desktop-file-utils zsh fish graphviz mkvtoolnix)
+               ffmpeg lsdvd dvdauthor genisoimage libdvdnav-dev libdvdread-dev mkvtoolnix
+               nlohmann-json3-dev python3
+               groff-base desktop-file-utils zsh fish graphviz)
 sample_packages=(ffmpeg dvdauthor lsdvd python3)
 gui_packages=(qt6-base-dev)
 bench_packages=(libbenchmark-dev time genisoimage python3 ffmpeg dvdauthor)

@@ -49,7 +49,7 @@ _tarvex_cli_argument_kinds() { # command position
     ifo:1 | disasm:1) echo "ifo" ;;
     disasm:2 | asm:1) echo "ini" ;;
     asm:2) echo "ifo" ;;
-    info:1 | verify:1 | play:1 | graph:1 | subpictures:1 | menus:1 | bitrate:1) echo "disc" ;;
+    info:1 | verify:1 | play:1 | graph:1 | subpictures:1 | menus:1 | bitrate:1 | rip:1) echo "disc" ;;
     *) echo "" ;;
   esac
 }
@@ -58,7 +58,7 @@ _tarvex_cli() {
   local cur=${COMP_WORDS[COMP_CWORD]}
   local prev=${COMP_WORDS[COMP_CWORD - 1]}
   local commands="open list hex details extract ifo disasm asm info verify play graph subpictures menus
-    bitrate"
+    bitrate rip"
   local global_options="--help --version --yes --no"
   local -a extract_options=(--audio --video --stills --subpictures --disassemble --dir
     --video-out --stills-out --subpictures-out --source-out)
@@ -118,12 +118,13 @@ _tarvex_cli() {
     case "$command" in
       extract) options+=" ${extract_options[*]}" ;;
       list | info) options+=" --json" ;;
-      verify) options+=" --json --ifo-only --list-checks" ;;
+      verify) options+=" --json --ifo-only --list-checks --mapfile" ;;
       play) options+=" --json --keys --registers --max-cells --language --region" ;;
       graph) options+=" --svg" ;;
       subpictures) options+=" --title --stream --display --png --vobsub --json" ;;
       menus) options+=" --png --json" ;;
       bitrate) options+=" --title --interval --json --svg" ;;
+      rip) options+=" --title --angle -o --output --chapters --chapter-format" ;;
     esac
     compopt +o filenames 2>/dev/null
     COMPREPLY=($(compgen -W "$options" -- "$cur"))

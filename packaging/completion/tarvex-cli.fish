@@ -36,7 +36,7 @@ function __tarvex_cli_argument
     test (__tarvex_cli_position) -eq $argv[2]
 end
 
-set -l commands open list hex details extract ifo disasm asm info verify play graph subpictures menus bitrate
+set -l commands open list hex details extract ifo disasm asm info verify play graph subpictures menus bitrate rip
 complete -c tarvex-cli -f
 complete -c tarvex-cli -n "not __fish_seen_subcommand_from $commands" -a open -d 'Open FILE and print its first page'
 complete -c tarvex-cli -n "not __fish_seen_subcommand_from $commands" -a list -d 'List records FIRST to END-1'
@@ -53,6 +53,7 @@ complete -c tarvex-cli -n "not __fish_seen_subcommand_from $commands" -a graph -
 complete -c tarvex-cli -n "not __fish_seen_subcommand_from $commands" -a subpictures -d 'The sub-picture units of a title in their colours'
 complete -c tarvex-cli -n "not __fish_seen_subcommand_from $commands" -a menus -d 'Every menu as a picture with its buttons'
 complete -c tarvex-cli -n "not __fish_seen_subcommand_from $commands" -a bitrate -d 'Pack bytes per stream per interval of title time'
+complete -c tarvex-cli -n "not __fish_seen_subcommand_from $commands" -a rip -d 'Copy a title in play order, with chapters'
 
 complete -c tarvex-cli -l yes -d 'Answer Yes to every Yes/No question'
 complete -c tarvex-cli -l no -d 'Answer No to every Yes/No question'
@@ -63,7 +64,7 @@ complete -c tarvex-cli -n '__tarvex_cli_argument open 1; or __tarvex_cli_argumen
 complete -c tarvex-cli -n '__tarvex_cli_argument extract 1' -a '(__tarvex_files vob m2p ifo)'
 complete -c tarvex-cli -n '__tarvex_cli_argument ifo 1; or __tarvex_cli_argument disasm 1; or __tarvex_cli_argument asm 2' -a '(__tarvex_files ifo)'
 complete -c tarvex-cli -n '__tarvex_cli_argument disasm 2; or __tarvex_cli_argument asm 1' -a '(__tarvex_files ini)'
-complete -c tarvex-cli -n '__tarvex_cli_argument info 1; or __tarvex_cli_argument verify 1; or __tarvex_cli_argument play 1; or __tarvex_cli_argument graph 1; or __tarvex_cli_argument subpictures 1; or __tarvex_cli_argument menus 1; or __tarvex_cli_argument bitrate 1' -a '(__tarvex_files iso)'
+complete -c tarvex-cli -n '__tarvex_cli_argument info 1; or __tarvex_cli_argument verify 1; or __tarvex_cli_argument play 1; or __tarvex_cli_argument graph 1; or __tarvex_cli_argument subpictures 1; or __tarvex_cli_argument menus 1; or __tarvex_cli_argument bitrate 1; or __tarvex_cli_argument rip 1' -a '(__tarvex_files iso)'
 
 complete -c tarvex-cli -n '__fish_seen_subcommand_from extract' -l audio -d 'Audio to *.M2A, *.MPA, *.AC3 or *.WAV'
 complete -c tarvex-cli -n '__fish_seen_subcommand_from extract' -l video -d 'Video to *.M2V or *.MPV'
@@ -92,3 +93,9 @@ complete -c tarvex-cli -n '__fish_seen_subcommand_from bitrate' -l interval -x -
 complete -c tarvex-cli -n '__fish_seen_subcommand_from bitrate' -l svg -r -F -d 'Also draw the rates as SVG'
 complete -c tarvex-cli -n '__fish_seen_subcommand_from verify' -l ifo-only -d 'Check the IFO files only'
 complete -c tarvex-cli -n '__fish_seen_subcommand_from verify' -l list-checks -d 'List every check and exit'
+complete -c tarvex-cli -n '__fish_seen_subcommand_from verify' -l mapfile -r -F -d 'Map the damage of a GNU ddrescue mapfile of the image'
+complete -c tarvex-cli -n '__fish_seen_subcommand_from rip' -l title -x -d 'The title to rip'
+complete -c tarvex-cli -n '__fish_seen_subcommand_from rip' -l angle -x -a '1 2 3 4 5 6 7 8 9' -d 'The angle of angle blocks'
+complete -c tarvex-cli -n '__fish_seen_subcommand_from rip' -s o -l output -r -F -d 'Write the title to FILE (- for standard output)'
+complete -c tarvex-cli -n '__fish_seen_subcommand_from rip' -l chapters -r -F -d 'Write the chapters to FILE'
+complete -c tarvex-cli -n '__fish_seen_subcommand_from rip' -l chapter-format -x -a 'ogm ffmetadata matroska' -d 'Chapter file format'

@@ -44,6 +44,7 @@ void AddIfoCommands(CLI::App& app, Session& session);      // ifo, disasm, asm
 void AddDiscCommands(CLI::App& app, Session& session);     // info, verify
 void AddNavCommands(CLI::App& app, Session& session);      // play, graph
 void AddPictureCommands(CLI::App& app, Session& session);  // subpictures, menus, bitrate
+void AddArchiveCommands(CLI::App& app, Session& session);  // rip
 
 // The usage error when argv names no command of app (none at all, or an unknown word): names
 // the word and lists the commands with their arguments, one a line. Nothing when the first

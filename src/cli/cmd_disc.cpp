@@ -1,8 +1,14 @@
 // info, verify: the whole-disc commands.
 #include <cstdio>
+#include <filesystem>
+#include <fstream>
 #include <memory>
+#include <sstream>
 #include <string>
 
+#include "archive/damage.h"
+#include "archive/mapfile.h"
+#include "archive/rip.h"
 #include "cli/cli.h"
 #include "cli/disc_command.h"
 #include "disc/info.h"
@@ -26,7 +32,8 @@ void AddInfo(CLI::App& app, Session& session) {
       "length, angles, chapters (with their first cells), cells (with their sectors and\n"
       "VOB and cell ids), video, audio and sub-picture streams and sub-picture palette, then\n"
       "the menus. Lengths come from the playback times, frames counted at 29.97 or 25\n"
-      "frames per second, to the millisecond.\n"
+      "frames per second, to the millisecond. Each title also shows the bytes a rip of\n"
+      "its angle 1 writes.\n"
       "\n"
       "A stream's id is the one it really plays through: the program chain's audio and\n"
       "sub-picture stream control maps each declared stream to a stream number (for a 16:9\n"
@@ -39,10 +46,18 @@ void AddInfo(CLI::App& app, Session& session) {
       "With --json the same as one JSON object (RFC 8259): {\"disc\", \"vmg\",\n"
       "\"titles\": [{\"number\", \"title_set\", \"title_in_set\", \"length\", \"angles\", "
       "\"video\",\n"
-      "\"audio\", \"subpictures\", \"chapters\", \"cells\", \"palette\", \"reachable\", ...}],\n"
-      "\"longest_title\", \"first_title\", \"menus\"}. \"first_title\" is the first title\n"
-      "played from first play with the default keys (see play), \"reachable\" whether any\n"
-      "path through the commands and buttons reaches the title (see graph).\n"
+      std::optional<std::vector<MapBlock>> damaged;
+      if (!o->mapfile.empty() && !(damaged = ReadMapfile(o->mapfile))) {
+        session.usage_error = true;
+        return;
+      }
+      std::optional<Disc> disc = LoadDiscForCommand("verify", o->disc, session);
+      if (!disc) return;
+      if (damaged && disc->kind != "iso") {
+        PrintDiscError("verify", o->disc, "--mapfile needs an image, not a folder");
+        session.usage_error = true;
+        return;
+      }
       "\"disc\" is DISC as given; everything else is the same for a folder and an ISO image\n"
       "of it.\n"
       "\n"
@@ -58,15 +73,42 @@ void AddInfo(CLI::App& app, Session& session) {
       std::optional<TitleNavigation> navigation;
       if (disc->vmg.ifo_found) navigation = nav::NavigateTitles(*disc);
       const TitleNavigation* known = navigation ? &*navigation : nullptr;
-      PrintOut(o->json ? DiscInfoJson(*disc, known) : DiscInfoText(*disc, known));
+      if (o->json) {
+        PrintOut(DiscInfoJson(*disc, known));
+      } else {
+        TitleRipSizes sizes{RipSizesOfTitles(*disc)};
+        PrintOut(DiscInfoText(*disc, known, &sizes));
+      }
       session.exit_status = 0;
     };
   });
 }
 
+// The damaged blocks of MAP; nothing (with a message) when MAP is a folder, cannot be read or
+// is malformed.
+std::optional<std::vector<MapBlock>> ReadMapfile(const std::string& path) {
+  std::error_code ec;
+  if (std::filesystem::is_directory(path, ec)) {
+    std::fprintf(stderr, "tarvex-cli verify: --mapfile %s: a folder, not a mapfile\n",
+                 path.c_str());
+    return std::nullopt;
+  }
+  std::ifstream in(path, std::ios::binary);
+  std::ostringstream text;
+  text << in.rdbuf();
+  std::string error;
+  std::optional<Mapfile> map = in ? ParseMapfile(text.str(), error) : std::nullopt;
+  if (!in) error = "cannot be read";
+  if (!map) {
+    std::fprintf(stderr, "tarvex-cli verify: --mapfile %s: %s\n", path.c_str(), error.c_str());
+    return std::nullopt;
+  }
+  return DamagedBlocks(*map);
+}
+
 void AddVerify(CLI::App& app, Session& session) {
   struct Options {
-    std::string disc;
+    std::string disc, mapfile;
     bool json = false, ifo_only = false, list_checks = false;
   };
   auto o = std::make_shared<Options>();
@@ -101,11 +143,24 @@ void AddVerify(CLI::App& app, Session& session) {
       "\"warnings\", \"infos\"}. Each check lists at most 200 findings; the last one says how\n"
       "many more there were.\n"
       "\n"
+      "An ISO image shorter than its volume size is image.truncated (\"file\": null,\n"
+      "\"sector\" the first missing image sector; (image) in the text). --mapfile MAP\n"
+      "reads a GNU ddrescue mapfile of the image DISC (byte positions of the image) and\n"
+      "maps every range not finished (-, /, *, ?) onto the files it falls in, through\n"
+      "their UDF extents: one image.damaged per file and range, at the record holding the\n"
+      "range's first damaged byte, naming the title sets, titles, cells and title times a\n"
+      "VOB range hits; a range in no file is one finding with \"file\": null.\n"
+      "\n"
       "Exit status: 0 no error (warnings allowed), 1 at least one error or the disc cannot\n"
-      "be read (the reason on standard error), 2 usage error.");
+      "be read (the reason on standard error), 2 usage error (also a malformed MAP, named\n"
+      "by its line, a MAP that is a folder, or --mapfile with a folder DISC).");
   cmd->add_option("DISC", o->disc, kDiscHelp)->type_name("PATH");
   cmd->add_flag("--json", o->json, "Print the findings as JSON");
   cmd->add_flag("--ifo-only", o->ifo_only, "Check the IFO files only; do not read the VOBs");
+  cmd->add_option("--mapfile", o->mapfile,
+                  "Map the damaged ranges of MAP, a GNU ddrescue mapfile of the image DISC, onto "
+                  "its files, titles, cells and times")
+      ->type_name("MAP");
   cmd->add_flag("--list-checks", o->list_checks,
                 "List every check (id, severity, explanation) and exit; DISC is not needed");
   cmd->callback([&session, o] {
@@ -120,11 +175,22 @@ void AddVerify(CLI::App& app, Session& session) {
         session.usage_error = true;
         return;
       }
+      std::optional<std::vector<MapBlock>> damaged;
+      if (!o->mapfile.empty() && !(damaged = ReadMapfile(o->mapfile))) {
+        session.usage_error = true;
+        return;
+      }
       std::optional<Disc> disc = LoadDiscForCommand("verify", o->disc, session);
       if (!disc) return;
+      if (damaged && disc->kind != "iso") {
+        PrintDiscError("verify", o->disc, "--mapfile needs an image, not a folder");
+        session.usage_error = true;
+        return;
+      }
       VerifyOptions options{.ifo_only = o->ifo_only,
-                            .more_checks = [](const Disc& d, Findings& out) {
+                            .more_checks = [&damaged](const Disc& d, Findings& out) {
                               nav::AddNavigationFindings(d, nav::Analyze(d), out);
+                              if (damaged) AddDamageFindings(d, *damaged, out);
                             }};
       VerifyResult result = VerifyDisc(*disc, options);
       PrintOut(o->json ? VerifyJson(o->disc, result) : VerifyText(result));

@@ -91,6 +91,7 @@ int Run(int argc, char** argv) {
   AddDiscCommands(app, session);
   AddNavCommands(app, session);
   AddPictureCommands(app, session);
+  AddArchiveCommands(app, session);
 
   try {
     app.parse(argc, argv);

@@ -35,6 +35,23 @@ void SortByName(std::vector<DiscFileEntry>& files) {
 
 // ---- a folder ---------------------------------------------------------------------------
 
+// copy_file_range from one file to another, nothing when the kernel cannot copy between them.
+std::optional<std::size_t> CopyRange(int from, std::uint64_t offset, std::size_t length, int to) {
+  std::size_t done = 0;
+  while (done < length) {
+    auto in = static_cast<off_t>(offset + done);
+    ssize_t n = copy_file_range(from, &in, to, nullptr, length - done, 0);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0 && done == 0 &&
+        (errno == EXDEV || errno == EINVAL || errno == ENOSYS || errno == EOPNOTSUPP)) {
+      return std::nullopt;
+    }
+    if (n <= 0) break;
+    done += static_cast<std::size_t>(n);
+  }
+  return done;
+}
+
 class PosixFile final : public DiscFile {
  public:
   PosixFile(int fd, std::uint64_t size) : fd_(fd), size_(size) {
@@ -59,6 +76,9 @@ class PosixFile final : public DiscFile {
     }
     return done;
   }
+  std::optional<std::size_t> CopyTo(std::uint64_t offset, std::size_t length, int fd) override {
+    return CopyRange(fd_, offset, length, fd);
+  }
 
  private:
   int fd_;
@@ -72,7 +92,7 @@ class FolderDisc final : public DiscAccess {
     for (const auto& entry : std::filesystem::directory_iterator(folder_, ec)) {
       std::error_code ec2;
       if (!entry.is_regular_file(ec2)) continue;
-      files_.push_back({entry.path().filename().string(), entry.file_size(ec2), std::nullopt});
+      files_.push_back({entry.path().filename().string(), entry.file_size(ec2), std::nullopt, {}});
     }
     SortByName(files_);
   }
@@ -117,6 +137,7 @@ struct ImageInput {
   int fd = -1;
   std::vector<std::uint8_t> memory;
   std::uint32_t blocks = 0;
+  std::uint64_t bytes = 0;
 };
 
 int ImageRead(udfread_block_input* input, std::uint32_t lba, void* buf, std::uint32_t nblocks,
@@ -164,9 +185,47 @@ bool AnnouncesUdf(ImageInput& input) {
   return false;
 }
 
+// The ISO 9660 volume space size (primary volume descriptor, sector 16, bytes 80-83 little
+// endian), or nothing without one.
+std::optional<std::uint64_t> VolumeSectors(ImageInput& input) {
+  std::uint8_t sector[UDF_BLOCK_SIZE];
+  if (ImageRead(&input.base, 16, sector, 1, 0) != 1) return std::nullopt;
+  if (sector[0] != 1 || std::string_view(reinterpret_cast<const char*>(sector + 1), 5) != "CD001")
+    return std::nullopt;
+  return std::uint64_t{sector[80]} | (std::uint64_t{sector[81]} << 8) |
+         (std::uint64_t{sector[82]} << 16) | (std::uint64_t{sector[83]} << 24);
+}
+
+// The runs of a file of `blocks` records: from each run's first record, the last record
+// whose image sector follows on one to one is found by bisection.
+std::vector<FileExtent> FileExtents(UDFFILE* file, std::uint64_t blocks) {
+  std::vector<FileExtent> extents;
+  std::uint64_t at = 0;
+  while (at < blocks && extents.size() < 4096) {
+    std::uint32_t start = udfread_file_lba(file, static_cast<std::uint32_t>(at));
+    if (start == 0) break;
+    auto follows = [&](std::uint64_t r) {
+      return udfread_file_lba(file, static_cast<std::uint32_t>(r)) == start + (r - at);
+    };
+    std::uint64_t lo = at, hi = blocks - 1;  // lo follows on; the answer lies in [lo, hi]
+    while (lo < hi) {
+      std::uint64_t mid = lo + (hi - lo + 1) / 2;
+      if (follows(mid)) {
+        lo = mid;
+      } else {
+        hi = mid - 1;
+      }
+    }
+    extents.push_back({at, start, lo - at + 1});
+    at = lo + 1;
+  }
+  return extents;
+}
+
 class UdfFile final : public DiscFile {
  public:
-  explicit UdfFile(UDFFILE* file) : file_(file) {
+  // image_fd: the image file, for copies in the kernel (-1 for an image in memory).
+  UdfFile(UDFFILE* file, int image_fd) : file_(file), image_fd_(image_fd) {
     std::int64_t n = udfread_file_size(file_);
     size_ = n > 0 ? static_cast<std::uint64_t>(n) : 0;
   }
@@ -199,9 +258,22 @@ class UdfFile final : public DiscFile {
     }
     return done;
   }
+  // Whole records of one run of the image are copied from the image file itself.
+  std::optional<std::size_t> CopyTo(std::uint64_t offset, std::size_t length, int fd) override {
+    if (image_fd_ < 0 || length == 0 || offset % UDF_BLOCK_SIZE != 0 ||
+        length % UDF_BLOCK_SIZE != 0 || offset + length > size_) {
+      return std::nullopt;
+    }
+    auto first = static_cast<std::uint32_t>(offset / UDF_BLOCK_SIZE);
+    auto last = static_cast<std::uint32_t>((offset + length) / UDF_BLOCK_SIZE - 1);
+    std::uint32_t lba = udfread_file_lba(file_, first);
+    if (lba == 0 || udfread_file_lba(file_, last) != lba + (last - first)) return std::nullopt;
+    return CopyRange(image_fd_, std::uint64_t{lba} * UDF_BLOCK_SIZE, length, fd);
+  }
 
  private:
   UDFFILE* file_;
+  int image_fd_;
   std::uint64_t size_ = 0;
 };
 
@@ -245,17 +317,19 @@ class ImageDisc final : public DiscAccess {
       return false;
     }
     ListFiles();
+    sizes_ = {input_->bytes, VolumeSectors(*input_)};
     return true;
   }
 
   const char* kind() const override { return "iso"; }
+  std::optional<ImageSizes> image_sizes() const override { return sizes_; }
   const std::vector<DiscFileEntry>& files() const override { return files_; }
   std::unique_ptr<DiscFile> Open(const std::string& name) override {
     const DiscFileEntry* entry = Find(name);
     if (entry == nullptr) return nullptr;
     UDFFILE* file = udfread_file_open(udf_, (folder_ + entry->name).c_str());
     if (file == nullptr) return nullptr;
-    return std::make_unique<UdfFile>(file);
+    return std::make_unique<UdfFile>(file, input_->fd);
   }
 
  private:
@@ -274,14 +348,16 @@ class ImageDisc final : public DiscAccess {
       if (file == nullptr) continue;
       std::int64_t size = udfread_file_size(file);
       std::uint32_t lba = udfread_file_lba(file, 0);
+      std::uint64_t bytes = size > 0 ? static_cast<std::uint64_t>(size) : 0;
+      files_.push_back({name, bytes, lba != 0 ? std::optional<std::uint32_t>(lba) : std::nullopt,
+                        FileExtents(file, (bytes + UDF_BLOCK_SIZE - 1) / UDF_BLOCK_SIZE)});
       udfread_file_close(file);
-      files_.push_back({name, size > 0 ? static_cast<std::uint64_t>(size) : 0,
-                        lba != 0 ? std::optional<std::uint32_t>(lba) : std::nullopt});
     }
     SortByName(files_);
   }
 
   std::unique_ptr<ImageInput> input_;
+  std::optional<ImageSizes> sizes_;
   udfread* udf_ = nullptr;
   std::string folder_;
   std::vector<DiscFileEntry> files_;
@@ -309,7 +385,7 @@ class MemoryDisc final : public DiscAccess {
   explicit MemoryDisc(std::vector<std::pair<std::string, std::vector<std::uint8_t>>> files)
       : contents_(std::move(files)) {
     for (const auto& [name, bytes] : contents_)
-      files_.push_back({name, bytes.size(), std::nullopt});
+      files_.push_back({name, bytes.size(), std::nullopt, {}});
     SortByName(files_);
   }
   const char* kind() const override { return "memory"; }
@@ -378,6 +454,7 @@ std::unique_ptr<DiscAccess> OpenDisc(const std::string& path, std::string& error
   input->fd = fd;
   input->blocks = static_cast<std::uint32_t>(
       std::min<std::uint64_t>(static_cast<std::uint64_t>(st.st_size) / UDF_BLOCK_SIZE, UINT32_MAX));
+  input->bytes = static_cast<std::uint64_t>(st.st_size);
   auto disc = std::make_unique<ImageDisc>();
   if (!disc->Start(std::move(input), error)) return nullptr;
   return disc;
@@ -391,6 +468,7 @@ std::unique_ptr<DiscAccess> OpenMemoryDisc(
 std::unique_ptr<DiscAccess> OpenDiscImage(std::vector<std::uint8_t> image, std::string& error) {
   auto input = std::make_unique<ImageInput>();
   input->blocks = static_cast<std::uint32_t>(image.size() / UDF_BLOCK_SIZE);
+  input->bytes = image.size();
   input->memory = std::move(image);
   auto disc = std::make_unique<ImageDisc>();
   if (!disc->Start(std::move(input), error)) return nullptr;

@@ -111,6 +111,11 @@ constexpr CheckInfo kChecks[] = {
      "header of the stream it plays as"},
     {"stream.count", E,
      "stream counts: at most 8 audio and 32 sub-picture streams, one video stream"},
+    // Images.
+    {"image.truncated", E, "an ISO image shorter than the volume size its file system declares"},
+    {"image.damaged", E,
+     "a range of the image that a GNU ddrescue mapfile (verify --mapfile) gives as not "
+     "recovered, with the file, title sets, titles, cells and title times it hits"},
 };
 
 }  // namespace
@@ -187,6 +192,15 @@ void Findings::AtRecord(std::string_view check, std::string_view file, std::uint
   Add(std::move(f));
 }
 
+void Findings::AtImage(std::string_view check, std::uint64_t sector, std::string message) {
+  Finding f;
+  f.severity = FindCheck(check).severity;
+  f.check = check;
+  f.sector = sector;
+  f.message = std::move(message);
+  Add(std::move(f));
+}
+
 void Findings::Finish() {
   for (const auto& [check, count] : counts_) {
     if (count <= kPerCheckLimit) continue;
@@ -211,7 +225,7 @@ std::size_t Findings::Count(Severity severity) const {
 std::string FindingLine(const Finding& f) {
   std::string line = SeverityName(f.severity);
   line += ' ';
-  line += f.file;
+  line += f.file.empty() ? std::string("(image)") : f.file;
   if (f.table) {
     line += ':' + *f.table;
     if (f.entry) line += '#' + std::to_string(*f.entry);

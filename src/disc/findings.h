@@ -30,10 +30,10 @@ const CheckInfo& FindCheck(std::string_view id);
 struct Finding {
   Severity severity = Severity::kError;
   std::string check;
-  std::string file;                     // "VTS_01_0.IFO", "VTS_01_1.VOB", ...
+  std::string file;                     // "VTS_01_0.IFO", ...; empty: the image itself (null)
   std::optional<std::string> table;     // "VTS_PGCIT", ...
   std::optional<std::uint32_t> entry;   // 1-based entry of the table
-  std::optional<std::uint64_t> sector;  // record number in a VOB file
+  std::optional<std::uint64_t> sector;  // record number in the file (of the image: its sector)
   std::string message;
 };
 
@@ -51,6 +51,8 @@ class Findings {
   // A finding at a record of a VOB file.
   void AtRecord(std::string_view check, std::string_view file, std::uint64_t record,
                 std::string message);
+  // A finding at a sector of an image that lies in no file ("file": null).
+  void AtImage(std::string_view check, std::uint64_t sector, std::string message);
 
   const std::vector<Finding>& all() const { return findings_; }
   std::size_t Count(Severity severity) const;
@@ -65,7 +67,8 @@ class Findings {
   std::vector<std::pair<std::string, std::size_t>> counts_;
 };
 
-// "SEVERITY FILE[:TABLE[#ENTRY]|@RECORD] CHECK: message"
+// "SEVERITY FILE[:TABLE[#ENTRY]|@RECORD] CHECK: message"; FILE is "(image)" for a finding in
+// no file.
 std::string FindingLine(const Finding& finding);
 
 }  // namespace tarvex

@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <set>
 
+#include "disc/title_cells.h"
 #include "platform/format.h"
 #include "platform/json_writer.h"
 
@@ -31,12 +32,25 @@ struct CellSpan {
   const Pgc* pgc = nullptr;
   std::uint32_t first_cell = 0, end_cell = 0;  // cells first_cell .. end_cell - 1 (1-based)
   std::uint64_t ms = 0;
+  std::uint64_t ticks = 0;  // exact cell times, angle blocks counting angle 1 only
 };
 
+// Whether a cell plays with angle 1: outside an angle block, or its block's first cell.
+bool PlaysFirstAngle(int angle_index) {
+  return angle_index <= 0;
+}
+
 void AddCellTimes(CellSpan& span) {
+  std::vector<int> angles = AngleIndices(*span.pgc);
   for (std::uint32_t k = span.first_cell; k < span.end_cell && k <= span.pgc->cells.size(); ++k) {
-    if (k >= 1) span.ms += span.pgc->cells[k - 1].time.Milliseconds();
+    if (k < 1) continue;
+    span.ms += span.pgc->cells[k - 1].time.Milliseconds();
+    if (PlaysFirstAngle(angles[k - 1])) span.ticks += span.pgc->cells[k - 1].time.Ticks();
   }
+}
+
+void WriteDuration(JsonWriter& j, std::uint64_t ticks) {
+  j.Key("duration").Decimal(Seconds(TicksToMilliseconds(ticks)), 3);
 }
 
 // The chapters: each part of title from its program's entry cell up to the entry cell of the
@@ -231,6 +245,7 @@ void WriteSpans(JsonWriter& j, std::string_view key, const std::vector<CellSpan>
   for (const CellSpan& c : spans) {
     j.BeginObject().MemberUint("number", c.number);
     j.Key("length").Decimal(Seconds(c.ms), 3);
+    WriteDuration(j, c.ticks);
     j.MemberUint("first_cell", c.first_cell);
     if (c.pgc && with_chain) j.MemberUint("pgc", c.pgc->number);
     j.EndObject();
@@ -245,6 +260,7 @@ void WriteCells(JsonWriter& j, const std::vector<const Pgc*>& chains, bool with_
       j.BeginObject().MemberUint("number", c.number);
       if (with_chain) j.MemberUint("pgc", pgc->number);
       j.Key("length").Decimal(Seconds(c.time.Milliseconds()), 3);
+      WriteDuration(j, c.time.Ticks());
       j.MemberUint("first_sector", c.first_sector).MemberUint("last_sector", c.last_sector);
       j.MemberUint("vob_id", c.vob_id).MemberUint("cell_id", c.cell_id);
       j.MemberUint("still_time", c.still_time());
@@ -273,6 +289,7 @@ void WriteTitle(JsonWriter& j, const Disc& disc, const TitleEntry& t,
     j.Key("reachable").Bool(navigation->reachable[t.number - 1]);
   }
   j.Key("length").Decimal(Seconds(ChainsMs(chains)), 3);
+  WriteDuration(j, PlanTitleCells(disc, t, 1).total_ticks);
   j.MemberUint("angles", t.angles);
   j.Key("pgcs").BeginArray();
   for (const Pgc* pgc : chains) j.Uint(pgc->number);
@@ -335,7 +352,28 @@ std::string IdText(std::optional<std::uint32_t> id) {
   return id ? "stream " + StreamIdText(*id) : std::string("not available");
 }
 
-void TitleText(std::string& out, const Disc& disc, const TitleEntry& t) {
+// "1.5 GiB", "12.3 MiB", "512 KiB": a size for people, to one decimal.
+std::string SizeText(std::uint64_t bytes) {
+  const char* units[] = {"KiB", "MiB", "GiB"};
+  double value = static_cast<double>(bytes) / 1024.0;
+  std::size_t u = 0;
+  while (value >= 1024.0 && u + 1 < 3) {
+    value /= 1024.0;
+    ++u;
+  }
+  return Format("%.1f %s", {value, units[u]});
+}
+
+void RipText(std::string& out, const std::optional<std::uint64_t>& bytes) {
+  if (!bytes) {
+    out += "  Rip: size unknown (its interleaved units cannot be followed)\n";
+    return;
+  }
+  out += "  Rip: " + std::to_string(*bytes) + " bytes (" + SizeText(*bytes) + "), angle 1\n";
+}
+
+void TitleText(std::string& out, const Disc& disc, const TitleEntry& t,
+               const std::optional<std::uint64_t>* rip_bytes) {
   TitleView view = ViewTitle(disc, t);
   std::vector<const Pgc*> chains = TitleChains(view);
   std::size_t cells = 0;
@@ -345,6 +383,7 @@ void TitleText(std::string& out, const Disc& disc, const TitleEntry& t) {
       "Title %d: title set %d, title %d, %s, %s, %s, %s\n",
       {t.number, t.title_set, t.title_in_set, MsText(ChainsMs(chains)),
        Counted(chapters.size(), "chapter"), Counted(cells, "cell"), Counted(t.angles, "angle")});
+  if (rip_bytes != nullptr) RipText(out, *rip_bytes);
   if (view.title_set == nullptr) {
     out += "  (its title set cannot be read)\n";
     return;
@@ -468,7 +507,8 @@ void NavigationText(std::string& out, const TitleNavigation& navigation) {
 
 }  // namespace
 
-std::string DiscInfoText(const Disc& disc, const TitleNavigation* navigation) {
+std::string DiscInfoText(const Disc& disc, const TitleNavigation* navigation,
+                         const TitleRipSizes* rip_sizes) {
   std::string out;
   out += Format("Disc: %s (%s)\n", {disc.path, disc.kind});
   if (disc.vmg.ifo_found) {
@@ -479,7 +519,11 @@ std::string DiscInfoText(const Disc& disc, const TitleNavigation* navigation) {
   } else {
     out += "Video manager: none (no VIDEO_TS.IFO); titles numbered within their title sets\n";
   }
-  for (const TitleEntry& t : DiscTitles(disc)) TitleText(out, disc, t);
+  std::vector<TitleEntry> titles = DiscTitles(disc);
+  for (std::size_t i = 0; i < titles.size(); ++i) {
+    bool known = rip_sizes != nullptr && i < rip_sizes->bytes.size();
+    TitleText(out, disc, titles[i], known ? &rip_sizes->bytes[i] : nullptr);
+  }
   if (std::uint32_t longest = LongestTitle(disc)) out += Format("Longest title: %d\n", {longest});
   if (navigation) NavigationText(out, *navigation);
   out += "Menus:\n";

@@ -29,7 +29,9 @@ struct Cell {
   std::uint16_t vob_id = 0;           // from the cell position table
   std::uint8_t cell_id = 0;
   std::uint8_t block_type() const { return (category[0] >> 4) & 3; }  // 1 = angle block
-  bool interleaved() const { return (category[1] & 0x04) != 0; }
+  // Byte 0: block mode (bits 7-6), block type (5-4), seamless play (3), interleaved (2), STC
+  // discontinuity (1), seamless angle change (0).
+  bool interleaved() const { return (category[0] & 0x04) != 0; }
   std::uint8_t still_time() const { return category[2]; }
   std::uint8_t command() const { return category[3]; }
 };

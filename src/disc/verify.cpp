@@ -74,10 +74,24 @@ void ScanSet(const Disc& disc, const VobSet& set, VobSetNames names,
   CheckStreams(disc, chains, declared, found, names, out);
 }
 
+// An image shorter than its volume: the sectors past its end are lost.
+void CheckImageSize(const Disc& disc, Findings& out) {
+  std::optional<ImageSizes> sizes = disc.access ? disc.access->image_sizes() : std::nullopt;
+  if (!sizes || !sizes->volume_sectors) return;
+  std::uint64_t volume_bytes = *sizes->volume_sectors * 2048;
+  if (sizes->bytes >= volume_bytes) return;
+  out.AtImage("image.truncated", sizes->bytes / 2048,
+              "the image holds " + std::to_string(sizes->bytes) + " bytes (" +
+                  std::to_string(sizes->bytes / 2048) + " whole sectors), its volume " +
+                  std::to_string(*sizes->volume_sectors) + " sectors (" +
+                  std::to_string(volume_bytes) + " bytes)");
+}
+
 }  // namespace
 
 VerifyResult VerifyDisc(const Disc& disc, const VerifyOptions& options) {
   Findings out = disc.load_findings;
+  CheckImageSize(disc, out);
   CheckFiles(disc, out);
   CheckInformationTables(disc, out);
   CheckStreamCounts("VIDEO_TS.IFO", "VMGI_MAT", disc.vmg.menu, 1, 1, out);
@@ -136,7 +150,8 @@ std::string VerifyJson(const std::string& disc_path, const VerifyResult& result)
   j.Key("findings").BeginArray();
   for (const Finding& f : result.findings) {
     j.BeginObject();
-    j.Member("severity", SeverityName(f.severity)).Member("check", f.check).Member("file", f.file);
+    j.Member("severity", SeverityName(f.severity)).Member("check", f.check).Key("file");
+    f.file.empty() ? j.Null() : j.String(f.file);
     j.Key("table");
     f.table ? j.String(*f.table) : j.Null();
     j.Key("entry");

@@ -22,6 +22,10 @@ NavPackFields DecodeNavPack(ByteView record) {
   f.cell_id = dsi.u8(kDsiVobuCIdn);
   f.next_vobu = dsi.be32(kDsiVobuSri + 4 * kSriNextPossibleVideo);
   f.previous_vobu = dsi.be32(kDsiVobuSri + 4 * kSriPreviousPossibleVideo);
+  f.sml_category = dsi.be16(kDsiSmlPbiCategory);
+  f.ilvu_ea = dsi.be32(kDsiIlvuEa);
+  f.next_ilvu_sa = dsi.be32(kDsiNxtIlvuSa);
+  f.next_ilvu_size = dsi.be16(kDsiNxtIlvuSz);
   return f;
 }
 

@@ -18,6 +18,12 @@ struct NavPackFields {
   std::uint8_t cell_id = 0;
   std::uint32_t next_vobu = 0, previous_vobu = 0;  // VOBU search entries 20 and 21, whole
   std::uint8_t buttons = 0;                        // btn_ns
+  // Seamless playback of an interleaved block: the category (bit 14: the VOBU lies in an
+  // interleaved unit), the unit's end and the next unit of the same angle, in sectors from
+  // this navigation pack.
+  std::uint16_t sml_category = 0;
+  std::uint32_t ilvu_ea = 0, next_ilvu_sa = 0;
+  std::uint16_t next_ilvu_size = 0;
 };
 
 // A VOBU search entry's address bits; this value means "does not exist".
