@@ -12,15 +12,12 @@
 #include "archive/chapters.h"
 #include "archive/rip.h"
 #include "cli/cli.h"
+#include "cli/disc_command.h"
 #include "platform/format.h"
 
 namespace tarvex::cli {
 
 namespace {
-
-constexpr const char* kDiscHelp =
-    "A folder named VIDEO_TS, the folder that holds one, or an ISO image (read directly, "
-    "nothing is mounted)";
 
 struct RipArgs {
   std::string disc, output, chapters, format = "ogm";

@@ -46,18 +46,14 @@ void AddInfo(CLI::App& app, Session& session) {
       "With --json the same as one JSON object (RFC 8259): {\"disc\", \"vmg\",\n"
       "\"titles\": [{\"number\", \"title_set\", \"title_in_set\", \"length\", \"angles\", "
       "\"video\",\n"
-      std::optional<std::vector<MapBlock>> damaged;
-      if (!o->mapfile.empty() && !(damaged = ReadMapfile(o->mapfile))) {
-        session.usage_error = true;
-        return;
-      }
-      std::optional<Disc> disc = LoadDiscForCommand("verify", o->disc, session);
-      if (!disc) return;
-      if (damaged && disc->kind != "iso") {
-        PrintDiscError("verify", o->disc, "--mapfile needs an image, not a folder");
-        session.usage_error = true;
-        return;
-      }
+      "\"audio\", \"subpictures\", \"chapters\", \"cells\", \"palette\", \"reachable\", ...}],\n"
+      "\"longest_title\", \"first_title\", \"menus\"}. \"first_title\" is the first title\n"
+      "played from first play with the default keys (see play), \"reachable\" whether any\n"
+      "path through the commands and buttons reaches the title (see graph).\n"
+      "Beside each \"length\" of titles, chapters, programs and cells, \"duration\" is the\n"
+      "time the pictures take: the cells' playback times read as frames of 1001/30000 s\n"
+      "(30 fps) or 1/25 s, summed exactly and rounded to the millisecond (an angle block\n"
+      "counts angle 1).\n"
       "\"disc\" is DISC as given; everything else is the same for a folder and an ISO image\n"
       "of it.\n"
       "\n"
