@@ -241,9 +241,10 @@ RgbaImage RenderSpu(ByteView unit, const SpuControl& control, const std::array<R
   const std::uint8_t* in = pixels.data();
   for (std::uint32_t y = 0; y < image.height; ++y) {
     for (std::uint32_t x = 0; x < image.width; ++x, ++in, out += 4) {
-      const auto& c = uniform ? plain[*in]
-                              : Colours(CodesAt(control, highlight, control.y0 + y, control.x0 + x),
-                                        palette)[*in];
+      // A copy: the colours of a changed area are a temporary table.
+      const auto c = uniform ? plain[*in]
+                             : Colours(CodesAt(control, highlight, control.y0 + y, control.x0 + x),
+                                       palette)[*in];
       std::copy(c.begin(), c.end(), out);
     }
   }
