@@ -64,13 +64,7 @@ std::optional<ChapterFormat> ParseChapterFormat(const std::string& name) {
 }
 
 std::string ChapterClock(std::uint64_t ticks) {
-  std::uint64_t ms = TicksToMilliseconds(ticks);
-  char buf[48];
-  std::snprintf(
-      buf, sizeof buf, "%02llu:%02llu:%02llu.%03llu", static_cast<unsigned long long>(ms / 3600000),
-      static_cast<unsigned long long>(ms / 60000 % 60),
-      static_cast<unsigned long long>(ms / 1000 % 60), static_cast<unsigned long long>(ms % 1000));
-  return buf;
+  return MillisecondsText(TicksToMilliseconds(ticks));
 }
 
 std::string ChapterFile(const std::vector<ChapterSpan>& chapters, ChapterFormat format) {

@@ -97,18 +97,6 @@ std::vector<CellSpan> Programs(const Pgc& pgc) {
   return programs;
 }
 
-// The chains of a title in the order its parts first name them.
-std::vector<const Pgc*> TitleChains(const TitleView& view) {
-  std::vector<const Pgc*> chains;
-  std::set<std::uint16_t> seen;
-  if (view.parts == nullptr) return chains;
-  for (const PartOfTitle& part : *view.parts) {
-    if (part.pgcn < 1 || part.pgcn > view.title_set->pgcs.size()) continue;
-    if (seen.insert(part.pgcn).second) chains.push_back(&view.title_set->pgcs[part.pgcn - 1]);
-  }
-  return chains;
-}
-
 std::uint64_t ChainsMs(const std::vector<const Pgc*>& chains) {
   std::uint64_t ms = 0;
   for (const Pgc* pgc : chains) ms += pgc->time.Milliseconds();

@@ -4,10 +4,7 @@
 
 namespace tarvex {
 
-namespace {
-
-// The chains of a title's parts in the order the parts first name them.
-std::vector<const Pgc*> PartChains(const TitleView& view) {
+std::vector<const Pgc*> TitleChains(const TitleView& view) {
   std::vector<const Pgc*> chains;
   std::set<std::uint16_t> seen;
   if (view.parts == nullptr) return chains;
@@ -17,6 +14,8 @@ std::vector<const Pgc*> PartChains(const TitleView& view) {
   }
   return chains;
 }
+
+namespace {
 
 // Title time at each cell of a chain (and one past the last) when the chain starts at base.
 std::vector<std::uint64_t> CellStarts(const Pgc& pgc, std::uint32_t angle, std::uint64_t base,
@@ -52,7 +51,7 @@ TitleCells PlanTitleCells(const Disc& disc, const TitleEntry& entry, std::uint32
   TitleView view = ViewTitle(disc, entry);
   plan.title_set = view.title_set;
   std::vector<std::pair<const Pgc*, std::vector<std::uint64_t>>> starts;
-  for (const Pgc* pgc : PartChains(view)) {
+  for (const Pgc* pgc : TitleChains(view)) {
     starts.emplace_back(pgc, CellStarts(*pgc, angle, plan.total_ticks, plan.cells));
     plan.total_ticks = starts.back().second.back();
   }

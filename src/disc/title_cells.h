@@ -29,6 +29,9 @@ struct TitleCells {
   std::uint64_t total_ticks = 0;
 };
 
+// The chains of a title's parts in the order the parts first name them.
+std::vector<const Pgc*> TitleChains(const TitleView& view);
+
 // The title's cells for angle (from 1). An angle block with fewer cells than angle plays
 // none of them.
 TitleCells PlanTitleCells(const Disc& disc, const TitleEntry& entry, std::uint32_t angle);
