@@ -43,13 +43,6 @@ bool WriteAll(int fd, std::span<const std::uint8_t> bytes, std::string& error) {
   return true;
 }
 
-bool WriteTextFile(const std::string& path, const std::string& text) {
-  std::FILE* f = std::fopen(path.c_str(), "wb");
-  if (f == nullptr) return false;
-  bool ok = std::fwrite(text.data(), 1, text.size(), f) == text.size();
-  return std::fclose(f) == 0 && ok;
-}
-
 // A progress line on standard error, rewritten in place whenever the percentage changes.
 std::function<void(std::uint64_t, std::uint64_t)> TerminalProgress() {
   if (!isatty(STDERR_FILENO)) return {};

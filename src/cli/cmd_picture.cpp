@@ -101,11 +101,9 @@ void RunBitrate(const BitrateOptions& o, Session& session) {
       picture::MeasureBitrate(*disc, o.title, o.interval, error);
   if (!report) return Fail("bitrate", error, session);
   if (!o.svg.empty()) {
-    std::string svg = picture::BitrateSvg(*report);
-    std::FILE* f = std::fopen(o.svg.c_str(), "wb");
-    bool ok = f && std::fwrite(svg.data(), 1, svg.size(), f) == svg.size();
-    if (f && std::fclose(f) != 0) ok = false;
-    if (!ok) return Fail("bitrate", o.svg + ": cannot be written", session);
+    if (!WriteTextFile(o.svg, picture::BitrateSvg(*report))) {
+      return Fail("bitrate", o.svg + ": cannot be written", session);
+    }
   }
   PrintOut(o.json ? picture::BitrateJson(*report) : picture::BitrateText(*report));
   session.exit_status = 0;

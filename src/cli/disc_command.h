@@ -17,6 +17,9 @@ inline constexpr const char* kDiscHelp =
 // Writes text to standard output and flushes it.
 void PrintOut(const std::string& text);
 
+// Writes text into the file at path, replacing it; false when it cannot be written whole.
+bool WriteTextFile(const std::string& path, const std::string& text);
+
 // "tarvex-cli COMMAND: DISC: error" on standard error.
 void PrintDiscError(const std::string& command, const std::string& disc, const std::string& error);
 
